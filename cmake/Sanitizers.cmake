@@ -1,0 +1,10 @@
+# -DVANTRY_SANITIZE=address (with UBSan) or =thread instruments everything built here, tests included.
+if(VANTRY_SANITIZE STREQUAL "address")
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+elseif(VANTRY_SANITIZE STREQUAL "thread")
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=thread)
+elseif(VANTRY_SANITIZE)
+  message(FATAL_ERROR "VANTRY_SANITIZE is '${VANTRY_SANITIZE}'; it may be empty, address or thread")
+endif()

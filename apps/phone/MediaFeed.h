@@ -1,0 +1,31 @@
+#ifndef PHONE_MEDIAFEED_H
+#define PHONE_MEDIAFEED_H
+
+#include "phone/Bytes.h"
+#include "phone/Timers.h"
+
+namespace phone {
+
+/// One message's worth of a stream: a whole access unit, or a block of sound.
+struct MediaUnit {
+  Bytes data;
+  Micros timestamp = 0;  ///< On the stream's own clock, which starts where it likes.
+};
+
+/// Where a stream comes from.
+class MediaFeed {
+ public:
+  enum class Pull {
+    unit,   ///< `unit` is filled.
+    later,  ///< Nothing yet; MediaStream::resume() tells when to ask again.
+    end     ///< Nothing more.
+  };
+  virtual ~MediaFeed() = default;
+  /// Sent once before the first unit; empty if the codec needs none.
+  virtual Bytes codecConfig() = 0;
+  virtual Pull next(MediaUnit* unit) = 0;
+};
+
+}  // namespace phone
+
+#endif

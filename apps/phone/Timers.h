@@ -1,0 +1,40 @@
+#ifndef PHONE_TIMERS_H
+#define PHONE_TIMERS_H
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace phone {
+
+using Micros = std::int64_t;  ///< On a clock that never goes back; its zero means nothing.
+
+/// Calls to be made later, on a clock that somebody else winds: the event loop, or a test.
+class Timers {
+ public:
+  using Id = std::pair<Micros, std::uint64_t>;
+
+  Micros now() const { return now_; }
+
+  Id at(Micros due, std::function<void()> call);
+  Id after(Micros delay, std::function<void()> call) { return at(now_ + delay, std::move(call)); }
+  /// Harmless on a call that has been made already.
+  void cancel(Id id) { calls_.erase(id); }
+
+  /// Sets the clock and makes the calls that are due, earliest first. A call may add and cancel others; what it
+  /// adds for now or earlier is made at the next advance.
+  void advance(Micros now);
+  /// When the next call is due; empty if none is.
+  std::optional<Micros> next() const;
+
+ private:
+  Micros now_ = 0;
+  std::uint64_t count_ = 0;
+  std::map<Id, std::function<void()>> calls_;
+};
+
+}  // namespace phone
+
+#endif

@@ -1,0 +1,102 @@
+// ChannelManager's half that cuts messages into frames and puts received fragments together.
+
+#include <cstdlib>
+#include <cstring>
+
+#include "ChannelManager.h"
+#include "protos.pb.h"
+
+namespace {
+
+int kindOfFragment(unsigned int offset, unsigned int left) {
+  const int first = offset == 0 ? FRAME_FIRST : 0;
+  const int last = left <= MAX_FRAGMENT_PAYLOAD ? FRAME_LAST : 0;
+  return first | last;
+}
+
+/// Storage for a message of which `sent` bytes are there; the others are zero, and memory for them is touched only
+/// when somebody reads it.
+bool allocateMessage(IoBuffer* message, unsigned int total, unsigned long long sent) {
+  message->data = static_cast<unsigned char*>(sent == total ? malloc(total) : calloc(total, 1));
+  if (message->data == nullptr && total > 0) return false;
+  message->capacity = message->end = total;
+  return true;
+}
+
+}  // namespace
+
+void ChannelManager::messageToFrames(int channel, bool control, void* data, unsigned int length,
+                                     const shared_ptr<Channel>& target, bool encrypted) {
+  const shared_ptr<IoBuffer> message(new IoBuffer(length));
+  if (length == 0) return;
+  memcpy(message->data, data, length);
+  const int flags = (encrypted ? FRAME_FLAG_ENCRYPTED : 0) | (control ? FRAME_FLAG_CONTROL : 0);
+
+  for (unsigned int offset = 0; offset < length;) {
+    const unsigned int left = length - offset;
+    const int kind = kindOfFragment(offset, left);
+    const shared_ptr<Frame> frame(new Frame());
+    frame->channelId = static_cast<unsigned char>(channel);
+    frame->flags = static_cast<unsigned char>(kind | flags);
+    frame->length = static_cast<unsigned short>(left < MAX_FRAGMENT_PAYLOAD ? left : MAX_FRAGMENT_PAYLOAD);
+    frame->totalLength = kind == FRAME_FIRST ? length : 0;
+    frame->payload = message->data + offset;
+    frame->buffer = message;
+    offset += frame->length;
+    target->enqueueOutgoing(frame);
+    outgoingFrames.up();
+  }
+}
+
+int ChannelManager::checkFragment(const shared_ptr<Frame>& frame, shared_ptr<Channel>* channel, bool* acceptable,
+                                  bool* complete) {
+  const shared_ptr<Channel> source = channelAt(frame->channelId);
+  if (!source) {
+    *acceptable = false;
+    return STATUS_FRAMING_ERROR;
+  }
+  const int kind = frame->kind();
+  bool underWay = false;
+  if (!source->hasIncoming()) {
+    *acceptable = kind == FRAME_ATOMIC || kind == FRAME_FIRST;
+  } else {
+    const int previous = source->peekLastIncoming()->kind();
+    underWay = previous == FRAME_FIRST || previous == FRAME_MIDDLE;
+    *acceptable = underWay && (kind == FRAME_MIDDLE || kind == FRAME_LAST);
+  }
+  *complete = *acceptable && (kind == FRAME_ATOMIC || kind == FRAME_LAST);
+
+  if (!frame->has(FRAME_FLAG_ENCRYPTED) && frame->channelId != 0) {
+    *acceptable = false;
+    return STATUS_AUTHENTICATION_FAILURE;
+  }
+  // Only what was announced may arrive, and that is judged before anything is stored.
+  const unsigned int total = underWay ? source->incomingTotal() : frame->totalLength;
+  if (*acceptable && kind != FRAME_ATOMIC && source->incomingLength() + frame->length > total) {
+    *acceptable = false;
+    return STATUS_FRAMING_ERROR;
+  }
+  *channel = source;
+  return STATUS_SUCCESS;
+}
+
+shared_ptr<IoBuffer> ChannelManager::framesToMessage(const shared_ptr<Channel>& source) {
+  const unsigned long long sent = source->incomingLength();
+  shared_ptr<Frame> frame = source->dequeueIncoming();
+  if (frame->kind() == FRAME_ATOMIC) {
+    const shared_ptr<IoBuffer> message = frame->buffer;
+    message->start = static_cast<unsigned int>(frame->payload - message->data);
+    message->end = message->start + frame->length;
+    return message;
+  }
+
+  const shared_ptr<IoBuffer> message(new IoBuffer());
+  if (!allocateMessage(&*message, frame->totalLength, sent)) return shared_ptr<IoBuffer>();
+  unsigned char* cursor = message->data;
+  for (;;) {
+    if (frame->length > 0) memcpy(cursor, frame->payload, frame->length);
+    cursor += frame->length;
+    if (!source->hasIncoming()) return message;
+    frame = source->dequeueIncoming();
+  }
+}

@@ -1,0 +1,99 @@
+// ChannelManager's half that works on the bytes of a frame:
+//
+//     0        1      2       4                    4 or 8
+//     channel  flags  length  total length         payload
+//     8 bits   8      16      32, FRAME_FIRST only
+
+#include <cstring>
+
+#include "BigEndian.h"
+#include "ChannelManager.h"
+#include "Log.h"
+#include "MessageRouter.h"
+#include "SslWrapper.h"
+
+namespace {
+
+constexpr unsigned int SHORT_HEADER = 4;
+constexpr unsigned int LONG_HEADER = 8;
+
+int framingError(unsigned long size, int length) {
+  print_critical_i("[LHU] Framing error: len=%lu framelen=%d", size, length);
+  return STATUS_FRAMING_ERROR;
+}
+
+}  // namespace
+
+int ChannelManager::getAdditionalBytesToRead(const unsigned char* header) {
+  const bool first = (header[1] & FRAME_ATOMIC) == FRAME_FIRST;
+  return readBigEndian16(header + 2) + static_cast<int>(first ? LONG_HEADER - SHORT_HEADER : 0);
+}
+
+int ChannelManager::decodeFrame(const shared_ptr<Frame>& frame, const shared_ptr<IoBuffer>& buffer) {
+  unsigned char* const start = buffer->content();
+  const unsigned int size = buffer->size();
+  if (size < SHORT_HEADER) return framingError(size, 0);
+  frame->channelId = start[0];
+  frame->flags = start[1];
+  frame->length = readBigEndian16(start + 2);
+
+  const unsigned int header = frame->kind() == FRAME_FIRST ? LONG_HEADER : SHORT_HEADER;
+  if (size != header + frame->length) return framingError(size, frame->length);
+  frame->totalLength = header == LONG_HEADER ? readBigEndian32(start + SHORT_HEADER) : 0;
+  frame->payload = start + header;
+  frame->buffer = buffer;
+
+  SslWrapper* const wrapper = sslWrapper;
+  if (wrapper != nullptr && frame->has(FRAME_FLAG_ENCRYPTED) && !decryptInPlace(&*frame, wrapper)) {
+    return STATUS_FRAMING_ERROR;
+  }
+  return STATUS_SUCCESS;
+}
+
+bool ChannelManager::decryptInPlace(Frame* frame, SslWrapper* wrapper) {
+  if (wrapper->decryptionPipelineEnqueue(frame->payload, frame->length) < 1) {
+    print_critical_i("[LHU] Failed to enqueue into decryption pipeline!");
+    return false;
+  }
+  unsigned char* cursor = frame->payload;
+  const unsigned char* const limit = frame->payload + frame->length;
+  frame->length = 0;
+  int count;
+  while ((count = wrapper->decryptionPipelinePending()) > 0) {
+    if (count > limit - cursor) count = static_cast<int>(limit - cursor);
+    count = wrapper->decryptionPipelineDequeue(cursor, static_cast<unsigned int>(count));
+    if (count < 1) break;
+    frame->length = static_cast<unsigned short>(frame->length + count);
+    cursor += count;
+  }
+  if (count == 0) return true;
+  print_critical_i("[LHU] Failed to dequeue from decryption pipeline!");
+  return false;
+}
+
+void ChannelManager::encodeFrame(const shared_ptr<Frame>& frame, IoBuffer* out) {
+  if (!frame) return;  // the channel was closed between the choice and now
+  const unsigned int header = frame->totalLength != 0 ? LONG_HEADER : SHORT_HEADER;
+  SslWrapper* const wrapper = frame->has(FRAME_FLAG_ENCRYPTED) ? sslWrapper.load() : nullptr;
+  int size = frame->length;
+  if (wrapper != nullptr && (size = encryptedSize(*frame, wrapper)) < 0) return;
+
+  out->resize(header + static_cast<unsigned int>(size));
+  out->data[0] = frame->channelId;
+  out->data[1] = frame->flags;
+  writeBigEndian16(out->data + 2, static_cast<unsigned short>(size));
+  if (header == LONG_HEADER) writeBigEndian32(out->data + SHORT_HEADER, frame->totalLength);
+
+  if (wrapper == nullptr) {
+    memcpy(out->data + header, frame->payload, frame->length);
+  } else if (wrapper->encryptionPipelineDequeue(out->data + header, static_cast<unsigned int>(size)) < 0) {
+    router.load()->unrecoverableError();
+  }
+}
+
+int ChannelManager::encryptedSize(const Frame& frame, SslWrapper* wrapper) {
+  const int size = wrapper->encryptionPipelineEnqueue(frame.payload, frame.length);
+  // The writer then sends the former frame again; the host, told here, is about to stop the link.
+  if (size < 0) router.load()->unrecoverableError();
+  return size;
+}

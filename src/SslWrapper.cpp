@@ -1,0 +1,126 @@
+#include "SslWrapper.h"
+
+#include <openssl/bio.h>
+#include <openssl/err.h>
+#include <openssl/pem.h>
+#include <openssl/ssl.h>
+
+#include "BigEndian.h"
+#include "Log.h"
+#include "OpenSslState.h"
+#include "protos.pb.h"
+
+// The handshake and the two pipelines. Setting up and tearing down is in SslSetup.cpp.
+
+namespace {
+
+constexpr unsigned int TYPE_SIZE = 2;
+
+bool isPartialResult(int error) { return error == SSL_ERROR_WANT_READ || error == SSL_ERROR_WANT_WRITE; }
+
+}  // namespace
+
+void SslWrapper::setCertificateVerificationTime(time_t time) {
+  verifyTime = time;
+  verifyTimeSet = true;
+}
+
+int SslWrapper::handshake(void* data, unsigned int length, IoBuffer* out) {
+  forgetOpenSslErrors();
+  if (data != nullptr) BIO_write(readBio, data, static_cast<int>(length));
+  const int result = SSL_do_handshake(ssl);
+  const int error = SSL_get_error(ssl, result);
+  print_critical_i("[LHU] ssl state=%s, ret: %d, err: %d", SSL_state_string_long(ssl), result, error);
+  ERR_remove_thread_state(nullptr);
+  forgetOpenSslErrors();
+
+  if (result == 1) {
+    state = SSL_WRAPPER_CONNECTED;
+    print_critical_i("[LHU] SSL version=%s Cipher name=%s", SSL_get_version(ssl), SSL_get_cipher_name(ssl));
+  } else if (isPartialResult(error)) {
+    takeHandshakeOutput(out);
+  } else {
+    state = SSL_WRAPPER_FAILED;
+  }
+  return result;
+}
+
+void SslWrapper::takeHandshakeOutput(IoBuffer* out) {
+  const int pending = static_cast<int>(BIO_pending(writeBio));
+  if (pending <= 0) return;
+  out->resize(static_cast<unsigned int>(pending) + TYPE_SIZE);
+  writeBigEndian16(out->data, MESSAGE_SSL_HANDSHAKE);
+  BIO_read(writeBio, out->data + TYPE_SIZE, pending);
+}
+
+bool SslWrapper::verifyPeer() {
+  forgetOpenSslErrors();
+  X509_STORE_CTX* const context = X509_STORE_CTX_new();
+  X509* const peer = SSL_get_peer_certificate(ssl);
+  STACK_OF(X509)* const chain = SSL_get_peer_cert_chain(ssl);
+  X509_STORE_CTX_init(context, certificateStore, peer, nullptr);
+  if (chain != nullptr) X509_STORE_CTX_set_chain(context, chain);
+  if (verifyTimeSet) X509_STORE_CTX_set_time(context, 0, verifyTime);
+
+  const int result = X509_verify_cert(context);
+  const int code = X509_STORE_CTX_get_error(context);
+  print_critical_i("[LHU] Verify, ret: %d, err_code: %d, returned: %s", result, code,
+                   X509_verify_cert_error_string(code));
+  X509_STORE_CTX_cleanup(context);
+  X509_STORE_CTX_free(context);
+  X509_free(peer);
+  return result == 1;
+}
+
+int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length) {
+  forgetOpenSslErrors();
+  const int count = BIO_write(sslBio, data, static_cast<int>(length));
+  if (count < 1) {
+    print_critical_i("[LHU] Failed to write data to mSsl!");
+    return count;
+  }
+  return static_cast<int>(BIO_pending(writeBio));
+}
+
+int SslWrapper::encryptionPipelineDequeue(void* data, unsigned int length) {
+  const int count = BIO_read(writeBio, data, static_cast<int>(length));
+  if (count < 0) print_critical_i("[LHU] Failed to read from encryption pipeline.");
+  return count;
+}
+
+int SslWrapper::decryptionPipelineEnqueue(void* data, unsigned int length) {
+  const int left = static_cast<int>(BIO_pending(readBio));
+  if (left > 0) {
+    print_critical_i("[LHU] Throwing away %d bytes", left);
+    static_cast<void>(BIO_reset(readBio));
+  }
+  const int count = BIO_write(readBio, data, static_cast<int>(length));
+  if (count < 1) {
+    print_critical_i("[LHU] Failed to write data to the read bio!");
+    return count;
+  }
+  return decryptionPipelinePending();
+}
+
+int SslWrapper::decryptionPipelinePending() { return static_cast<int>(BIO_pending(sslBio)); }
+
+int SslWrapper::decryptionPipelineDequeue(void* data, unsigned int length) {
+  bool retry = false;
+  for (;;) {
+    forgetOpenSslErrors();
+    const int count = BIO_read(sslBio, data, static_cast<int>(length));
+    if (count >= 0) {
+      if (retry) continue;
+      return count;
+    }
+    const char* file = nullptr;
+    int line = 0;
+    const unsigned long failure = ERR_get_error_all(&file, &line, nullptr, nullptr, nullptr);
+    const int sslError = SSL_get_error(ssl, count);
+    print_critical_i("[LHU] Detailed error=%s file=%s line=%d sslError=%d", ERR_error_string(failure, nullptr),
+                     file == nullptr ? "" : file, line, sslError);
+    if (!BIO_should_retry(sslBio)) return count;
+    retry = sslError != SSL_ERROR_WANT_READ;
+    if (!retry) return count;
+  }
+}

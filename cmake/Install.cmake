@@ -9,8 +9,7 @@ set_target_properties(receiver-lib-stderr-log PROPERTIES EXPORT_NAME stderr-log)
 install(TARGETS receiver-lib receiver-lib-stderr-log
   EXPORT receiver-lib-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  INCLUDES DESTINATION ${headers_dir})
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${headers_dir} FILES_MATCHING PATTERN "*.h")
 install(FILES ${PROJECT_BINARY_DIR}/proto/generated/protos.pb.h ${PROJECT_SOURCE_DIR}/proto/protos.proto
@@ -26,5 +25,6 @@ install(FILES
   DESTINATION ${package_dir})
 
 file(RELATIVE_PATH up_to_prefix /prefix/${pkgconfig_dir} /prefix)
+string(REGEX REPLACE "/$" "" up_to_prefix ${up_to_prefix})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/receiver-lib.pc.in receiver-lib.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/receiver-lib.pc DESTINATION ${pkgconfig_dir})

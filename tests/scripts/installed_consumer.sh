@@ -13,7 +13,13 @@ fail() {
   exit 1
 }
 
-cmake --install "$build" --prefix "$tmp/first" >/dev/null
+run() {
+  "$@" >"$tmp/log" 2>&1 && return
+  cat "$tmp/log" >&2
+  fail "$1 $2 ..."
+}
+
+run cmake --install "$build" --prefix "$tmp/first"
 mv "$tmp/first" "$tmp/moved"
 prefix=$tmp/moved
 
@@ -22,8 +28,9 @@ for name in VantryReceiver.h shared_ptr.h protos.pb.h protos.proto; do
 done
 ! grep -rn '#include *[<"]openssl/' "$prefix/include" || fail "a host would need OpenSSL's headers"
 
-cmake -S "$here/installed_consumer" -B "$tmp/build" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
-cmake --build "$tmp/build" >/dev/null
+run cmake -S "$here/installed_consumer" -B "$tmp/build" -G Ninja \
+  -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_PREFIX_PATH="$prefix"
+run cmake --build "$tmp/build"
 
 [[ $("$tmp/build/with_own_log" | tail -n 1) == "[LHU] VTP Version : VTP_1.0_001_160829" ]] ||
   fail "the host's own log functions did not get the library's lines"
@@ -33,5 +40,6 @@ cmake --build "$tmp/build" >/dev/null
 libdir=$(dirname "$(find "$prefix" -name libreceiver-lib.so)")
 export PKG_CONFIG_PATH=$libdir/pkgconfig
 read -ra flags <<<"$(pkg-config --cflags --libs receiver-lib)"
-"$cxx" -std=c++17 "$here/installed_consumer/host.cpp" "$here/installed_consumer/own_log.cpp" "${flags[@]}" -o "$tmp/by_pkg_config"
+run "$cxx" -std=c++17 "$here/installed_consumer/host.cpp" "$here/installed_consumer/own_log.cpp" "${flags[@]}" \
+  -o "$tmp/by_pkg_config"
 LD_LIBRARY_PATH=$libdir "$tmp/by_pkg_config" >/dev/null || fail "the host built by pkg-config does not run"

@@ -9,7 +9,8 @@ namespace phone {
 /// One message's worth of a stream: a whole access unit, or a block of sound.
 struct MediaUnit {
   Bytes data;
-  Micros timestamp = 0;  ///< On the stream's own clock, which starts where it likes.
+  Micros timestamp = 0;  ///< When it is to be shown or heard, on the stream's own clock.
+  Micros due = 0;        ///< When it is to be sent, on the same clock; never falls from one unit to the next.
 };
 
 /// Where a stream comes from.

@@ -25,6 +25,7 @@ struct StreamStats {
   std::uint64_t units = 0;
   std::uint64_t bytes = 0;  ///< Of the units' data.
   std::uint64_t acknowledged = 0;
+  std::uint64_t surplusAcks = 0;  ///< Acknowledged without having been sent: the head unit miscounts.
   std::size_t mostUnacknowledged = 0;
   std::vector<Micros> ackLatencies;  ///< From handing over to acknowledgement, one for each acknowledged unit.
   Micros started = 0;
@@ -72,14 +73,17 @@ class MediaStream : public ChannelHandler {
   void onAck(const Message& message);
   void begin(std::uint32_t index);
   void pump();
-  bool mayGoOn() const;
   bool fetch();
   bool waitsForItsTime();
   void sendUnit();
-  void drain();
+  bool drain();
+  void finishPlayed();
   void finish(const LinkEnd& end);
   void fail(const std::string& what, const std::string& advice);
-  void limit(Micros delay, const char* awaited);
+  bool isOver() const { return state_ == State::stopped || state_ == State::failed; }
+  void limit(const char* awaited);
+  void cancelLimit();
+  void cancelTimers();
 
   PhoneLink* link_;
   Timers* timers_;
@@ -92,7 +96,6 @@ class MediaStream : public ChannelHandler {
   std::uint32_t maxUnacked_ = 0;
   std::unique_ptr<MediaFeed> feed_;
   std::optional<MediaUnit> next_;
-  bool feedEnded_ = false;
   std::optional<Micros> epoch_;  ///< The clock's time at the stream's time 0.
   std::deque<Micros> sentAt_;    ///< When the units that are still unacknowledged left.
   std::optional<Timers::Id> pace_;

@@ -2,7 +2,6 @@
 #define PHONE_PHONELINK_H
 
 #include <array>
-#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -35,7 +34,8 @@ class PhoneLink {
   void feed(const std::uint8_t* data, std::size_t size);
   void feed(const Bytes& data) { feed(data.data(), data.size()); }
 
-  /// Hands over what waits to be sent, whole frames only, and stops after the frame that reaches `enough` bytes.
+  /// Hands over what waits to be sent, whole frames only; an interleaving link stops after the frame that
+  /// reaches `enough` bytes, so that frames which are added later still get their turn early.
   /// Still gives what is left after the link has ended (an alert, a ByeByeResponse).
   Bytes takeOutput(std::size_t enough = SIZE_MAX);
   bool hasOutput() const { return !outbox_.empty(); }
@@ -94,7 +94,8 @@ class PhoneLink {
   void sendVoiceSession(VoiceSessionStatus status);
   /// Says good-bye; the link ends when the head unit answers.
   void sayByeBye(ByeByeReason reason = BYE_BYE_REASON_1);
-  /// Ends the link at once, saying nothing.
+  /// Ends the link at once, saying nothing on it. A link has one end; later ones are ignored.
+  void finish(LinkEnd end);
   void fail(Side side, const std::string& what, const std::string& advice);
 
   // ---- By hand, also against the rules ----
@@ -130,7 +131,7 @@ class PhoneLink {
   void takeFrame(Frame frame);
   bool decipher(Frame* frame, bool* wasEncrypted);
   bool takesAsPlain(const Frame& frame) const;
-  void inspect(const Frame& frame, std::size_t wireLength, bool wasEncrypted);
+  void inspect(const Frame& frame, bool wasEncrypted);
   void takeFragment(const Frame& frame, bool wasEncrypted);
   void takeMessage(Message message);
   void takeChannelControl(const Message& message);
@@ -149,7 +150,6 @@ class PhoneLink {
   void onChannelCloseNotification(const Message& message);
 
   void enter(LinkState state);
-  void finish(LinkEnd end);
   void violation(const std::string& what);
 
   LinkOptions options_;

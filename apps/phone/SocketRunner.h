@@ -22,9 +22,11 @@ class SocketRunner {
   void run(Socket socket);
 
  private:
-  void step();
-  void wait(bool wantsToWrite);
-  void readSome();
+  bool hasToWrite() const;
+  void wait();
+  void onWakeRaised();
+  bool readSome();   ///< True if there were bytes.
+  bool writeOnce();  ///< True if the connection took bytes.
   void writeSome();
   void sendRest();
 
@@ -35,6 +37,8 @@ class SocketRunner {
   Socket socket_;
   Bytes sending_;
   std::size_t sent_ = 0;
+  bool atEnd_ = false;   ///< The peer has closed its half, or the connection is gone.
+  std::string broken_;   ///< Why writing is no longer possible.
 };
 
 }  // namespace phone

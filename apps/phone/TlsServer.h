@@ -49,7 +49,7 @@ class TlsServer {
   struct State;
   explicit TlsServer(std::unique_ptr<State> state);
   void takeOutput(Bytes* out);
-  bool readAll(Bytes* plain);
+  bool readAll(std::size_t most, Bytes* plain);
   void describeFailure();
 
   std::unique_ptr<State> state_;

@@ -1,0 +1,215 @@
+#include "phone/MediaStream.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace phone {
+
+namespace {
+
+// A stream that has fallen behind by more goes on from where it is, rather than rush to catch up.
+constexpr Micros patience = 500'000;
+
+}  // namespace
+
+MediaStream::MediaStream(PhoneLink* link, Timers* timers, StreamOptions options, Opener opener, Done done)
+    : link_(link),
+      timers_(timers),
+      options_(options),
+      opener_(std::move(opener)),
+      done_(std::move(done)) {}
+
+MediaStream::~MediaStream() {
+  cancelTimers();
+  if (channel_ != 0) link_->attach(channel_, nullptr);
+}
+
+void MediaStream::start(std::uint8_t channel, int serviceId) {
+  channel_ = channel;
+  state_ = State::opening;
+  limit("open the channel");
+  link_->openChannel(channel, serviceId, this);
+}
+
+void MediaStream::stop() {
+  if (state_ != State::idle) finish({true, Side::phone, "stopped the stream", ""});
+}
+
+// ---- What the head unit says ----
+
+void MediaStream::onOpened() {
+  state_ = State::settingUp;
+  limit("answer Setup");
+  Setup setup;
+  setup.set_type(options_.codec);
+  link_->send(channel_, MESSAGE_SETUP, setup);
+}
+
+void MediaStream::onRefused(MessageStatus status) {
+  fail("refused the channel (status " + std::to_string(status) + ")", "the service may be in use already");
+}
+
+void MediaStream::onMessage(const Message& message) {
+  if (isOver()) return;
+  switch (message.type()) {
+    case MESSAGE_CONFIG: return onConfig(message);
+    case MESSAGE_ACK: return onAck(message);
+    case MESSAGE_UNEXPECTED_MESSAGE:
+      return fail("does not accept a message of the stream",
+                  "the service that was opened may be another than its list says");
+    default: return;
+  }
+}
+
+void MediaStream::onClosed() {
+  if (link_->end()) return finish(*link_->end());
+  fail("closed the channel", "its own messages may tell the reason");
+}
+
+void MediaStream::onConfig(const Message& message) {
+  const auto config = message.as<Config>();
+  if (!config) return fail("its Config does not parse", "a required field is missing, or it is damaged");
+  maxUnacked_ = config->max_unacked();
+  if (state_ != State::settingUp) return pump();
+  if (config->status() != Config_Status_STATUS_READY) return limit("become ready after asking to wait");
+  if (maxUnacked_ == 0) {
+    return fail("allows no message to be unacknowledged (max_unacked is 0)", "it must allow at least one");
+  }
+  std::uint32_t index = 0;
+  LinkEnd problem;
+  const std::vector<std::uint32_t> allowed(config->configuration_indices().begin(),
+                                           config->configuration_indices().end());
+  feed_ = opener_(allowed, &index, &problem);
+  if (feed_) return begin(index);
+  finish(problem);
+}
+
+void MediaStream::begin(std::uint32_t index) {
+  Start start;
+  start.set_session_id(options_.sessionId);
+  start.set_configuration_index(index);
+  link_->send(channel_, MESSAGE_START, start);
+  const Bytes codecConfig = feed_->codecConfig();
+  if (!codecConfig.empty()) link_->send(channel_, MESSAGE_CODEC_CONFIG, codecConfig);
+  cancelTimers();
+  stats_.started = timers_->now();
+  state_ = State::streaming;
+  pump();
+}
+
+void MediaStream::onAck(const Message& message) {
+  const auto ack = message.as<Ack>();
+  if (!ack) return fail("an Ack does not parse", "a required field is missing, or it is damaged");
+  if (ack->session_id() != options_.sessionId) return;
+  const std::size_t count = std::min<std::size_t>(ack->ack(), sentAt_.size());
+  if (count < ack->ack()) stats_.surplusAcks += ack->ack() - count;
+  for (std::size_t i = 0; i < count; ++i) {
+    stats_.ackLatencies.push_back(timers_->now() - sentAt_.front());
+    sentAt_.pop_front();
+  }
+  stats_.acknowledged += count;
+  if (state_ == State::draining && sentAt_.empty()) return finishPlayed();
+  if (state_ != State::streaming) return;
+  if (sentAt_.empty()) {
+    cancelLimit();
+  } else if (count > 0) {
+    limit("acknowledge");
+  }
+  pump();
+}
+
+// ---- Sending ----
+
+void MediaStream::pump() {
+  while (state_ == State::streaming && fetch() && !waitsForItsTime()) sendUnit();
+}
+
+// A unit is asked for as late as possible, so that a live picture is as fresh as it can be.
+bool MediaStream::fetch() {
+  if (options_.unitLimit != 0 && stats_.units == options_.unitLimit) return drain();
+  if (sentAt_.size() >= maxUnacked_) return false;
+  if (next_) return true;
+  MediaUnit unit;
+  switch (feed_->next(&unit)) {
+    case MediaFeed::Pull::unit: next_ = std::move(unit); return true;
+    case MediaFeed::Pull::later: return false;
+    case MediaFeed::Pull::end: break;
+  }
+  return drain();
+}
+
+bool MediaStream::waitsForItsTime() {
+  if (!options_.paced) return false;
+  const Micros now = timers_->now();
+  if (!epoch_ || now - (*epoch_ + next_->due) > patience) epoch_ = now - next_->due;
+  const Micros due = *epoch_ + next_->due;
+  if (due <= now) return false;
+  if (pace_) timers_->cancel(*pace_);
+  pace_ = timers_->at(due, [this] { pump(); });
+  return true;
+}
+
+void MediaStream::sendUnit() {
+  Bytes message;
+  message.reserve(10 + next_->data.size());
+  appendBigEndian(&message, static_cast<std::uint16_t>(MESSAGE_MEDIA_DATA));
+  appendBigEndian(&message, static_cast<std::uint64_t>(next_->timestamp));
+  append(&message, next_->data);
+  link_->sendMessage(channel_, message);
+
+  if (sentAt_.empty()) limit("acknowledge");
+  sentAt_.push_back(timers_->now());
+  ++stats_.units;
+  stats_.bytes += next_->data.size();
+  stats_.mostUnacknowledged = std::max(stats_.mostUnacknowledged, sentAt_.size());
+  next_.reset();
+}
+
+bool MediaStream::drain() {
+  cancelTimers();
+  state_ = State::draining;
+  if (sentAt_.empty()) {
+    finishPlayed();
+  } else {
+    limit_ = timers_->after(options_.drainLimit, [this] { finishPlayed(); });
+  }
+  return false;
+}
+
+// ---- Ends ----
+
+void MediaStream::finishPlayed() { finish({true, Side::phone, "played the stream to its end", ""}); }
+
+void MediaStream::fail(const std::string& what, const std::string& advice) {
+  finish({false, Side::headUnit, what, advice});
+}
+
+void MediaStream::finish(const LinkEnd& end) {
+  if (isOver()) return;
+  const bool running = state_ == State::streaming || state_ == State::draining;
+  if (running && !link_->end()) link_->send(channel_, MESSAGE_STOP, Stop());
+  cancelTimers();
+  stats_.finished = timers_->now();
+  state_ = end.clean ? State::stopped : State::failed;
+  const Done done = std::exchange(done_, nullptr);
+  if (done) done(end);
+}
+
+void MediaStream::limit(const char* awaited) {
+  cancelLimit();
+  const std::string what = std::string("took too long to ") + awaited;
+  limit_ = timers_->after(options_.answerLimit, [this, what] { fail(what, "it may be stuck; restart it"); });
+}
+
+void MediaStream::cancelLimit() {
+  if (limit_) timers_->cancel(*limit_);
+  limit_.reset();
+}
+
+void MediaStream::cancelTimers() {
+  cancelLimit();
+  if (pace_) timers_->cancel(*pace_);
+  pace_.reset();
+}
+
+}  // namespace phone

@@ -1,0 +1,66 @@
+#ifndef PHONE_PHONESESSION_H
+#define PHONE_PHONESESSION_H
+
+#include <memory>
+#include <optional>
+
+#include "phone/PhoneLink.h"
+#include "phone/VideoPlayer.h"
+
+namespace phone {
+
+struct SessionOptions {
+  VideoWish wish;
+  StreamOptions stream;
+  Micros bringUpLimit = 4'000'000;   ///< From start() until the services are known.
+  Micros silenceLimit = 4'000'000;   ///< A head unit that says nothing for so long, pings included, is gone.
+  Micros farewellLimit = 1'000'000;  ///< How long good-bye waits for its answer.
+};
+
+/// What the program does with a link: brings it up, plays one picture stream, says good-bye; and watches that none
+/// of it takes forever. `link` and `timers` outlive the session.
+class PhoneSession : public LinkObserver {
+ public:
+  PhoneSession(PhoneLink* link, Timers* timers, SessionOptions options, VideoFactory video);
+  PhoneSession(const PhoneSession&) = delete;
+  PhoneSession& operator=(const PhoneSession&) = delete;
+
+  /// The connection stands; the head unit speaks first. Once.
+  void start();
+  /// The user wants to end: says good-bye where that is possible. A second call ends the link on the spot.
+  void interrupt();
+
+  /// How it went, once the link has ended. Not always the link's own end: a stream that fails is a failure, though
+  /// the link then ends in good order.
+  LinkEnd outcome() const;
+  /// From the accepted version until the head unit's consent; empty if it never came to that.
+  std::optional<Micros> handshakeTime() const { return handshakeTime_; }
+  /// Null until the head unit's services are known.
+  const MediaStream* video() const { return video_.get(); }
+
+  void onState(LinkState state) override;
+  void onMessage(const Message& message) override;
+
+ private:
+  void playVideo();
+  void onVideoDone(const LinkEnd& end);
+  void leave();
+  void watch();
+  void cancelLimit();
+
+  PhoneLink* link_;
+  Timers* timers_;
+  SessionOptions options_;
+  VideoFactory makeVideo_;
+  std::unique_ptr<MediaStream> video_;
+  std::optional<LinkEnd> problem_;
+  std::optional<Timers::Id> limit_;
+  std::optional<Timers::Id> watch_;
+  Micros handshakeBegan_ = 0;
+  Micros lastHeard_ = 0;
+  std::optional<Micros> handshakeTime_;
+};
+
+}  // namespace phone
+
+#endif

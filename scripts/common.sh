@@ -14,13 +14,14 @@ help() {
   exit 0
 }
 
-# quietly WHAT COMMAND...: runs it with its output in a log, which is shown only when it fails.
+# quietly WHAT COMMAND...: runs it with its output in a log. If it fails, the log's end is shown without the lines
+# that report success.
 quietly() {
   local what=$1 log
   shift
   mkdir -p "$root/build/logs"
   log=$root/build/logs/${what// /-}.log
   "$@" >"$log" 2>&1 && return
-  tail -n 60 "$log" >&2
+  grep -vE '^\[[0-9]+/[0-9]+\] |^ *Start +[0-9]+:| Passed +[0-9]' "$log" | tail -n 100 >&2
   die "$what failed; the whole output is in ${log#"$root"/}"
 }

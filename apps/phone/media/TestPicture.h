@@ -5,6 +5,8 @@
 #include <optional>
 #include <vector>
 
+#include "media/YuvView.h"
+
 namespace phone {
 
 /// A finger on the picture, in the picture's own pixels.
@@ -20,15 +22,6 @@ struct TestFrame {
   std::int64_t timeUs = 0;
   std::uint32_t touchSequence = 0;  // the low 24 bits are shown
   std::vector<TouchMark> touches;
-};
-
-/// A YUV 4:2:0 picture that somebody else owns: three planes and the bytes from one row to the next of each.
-/// Luma and chroma are in the limited range (16 to 235) that video uses.
-struct YuvView {
-  int width = 0;   // even
-  int height = 0;  // even
-  std::uint8_t* planes[3] = {};
-  int strides[3] = {};
 };
 
 /// Draws the test picture of one size. What takes long (the map, the lettering, the cards) is drawn once by

@@ -1,0 +1,176 @@
+// vantry-phone: plays a phone to a head unit over TCP.
+#include <spdlog/sinks/stdout_color_sinks.h>
+#include <spdlog/spdlog.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+
+#include "phone/PhoneSession.h"
+#include "phone/SocketRunner.h"
+#include "phone/program/Console.h"
+#include "phone/program/Options.h"
+#include "phone/program/Stats.h"
+
+namespace phone {
+namespace {
+
+constexpr int exitClean = 0;
+constexpr int exitUsage = 1;
+constexpr int exitLink = 2;
+constexpr Micros connectLimit = 4'000'000;
+
+Wake* interruptWake = nullptr;
+
+extern "C" void onSignal(int) { interruptWake->raise(); }
+
+void catchSignals(Wake* wake) {
+  interruptWake = wake;
+  struct sigaction action {};
+  action.sa_handler = onSignal;
+  sigaction(SIGINT, &action, nullptr);
+  sigaction(SIGTERM, &action, nullptr);
+}
+
+void setUpLog(bool verbose) {
+  spdlog::set_default_logger(spdlog::stderr_color_mt("phone"));
+  spdlog::set_pattern("%H:%M:%S.%e %n %^%l%$: %v");
+  spdlog::set_level(verbose ? spdlog::level::debug : spdlog::level::info);
+}
+
+std::unique_ptr<VideoSource> openVideo(const Options& options, PictureSize size, std::string* error) {
+  VideoOptions wanted;
+  wanted.width = size.width;
+  wanted.height = size.height;
+  wanted.fps = options.fps;
+  wanted.frames = options.frames;
+  wanted.loop = options.loop;
+  return options.video.empty() ? makeTestPicture(wanted, error) : openVideoFile(options.video, wanted, error);
+}
+
+// Opened before there is a link, so that a bad file is told at once; opened again if the head unit wants it in
+// another size.
+VideoFactory videoFactory(const Options& options, std::unique_ptr<VideoSource> early) {
+  auto opened = std::make_shared<std::unique_ptr<VideoSource>>(std::move(early));
+  return [options, opened](PictureSize size, std::string* error) {
+    if (size == options.size && *opened) return std::move(*opened);
+    return openVideo(options, size, error);
+  };
+}
+
+Socket reachHeadUnit(const Options& options, Wake* wake, std::string* error) {
+  const std::string where = options.endpoint.words();
+  if (!options.listens) {
+    spdlog::info("connecting to {}", where);
+    Socket socket = connectTo(options.endpoint, connectLimit, wake, error);
+    if (!error->empty()) {
+      *error = "cannot connect to the head unit at " + where + ": " + *error + "; start it first, or check the address";
+    }
+    return socket;
+  }
+  const Socket listener = listenOn(options.endpoint, error);
+  if (!listener) {
+    *error = "cannot listen on " + where + ": " + *error + "; choose another address, or port 0 for any free one";
+    return Socket();
+  }
+  std::printf("listening on %s\n", localEndpoint(listener).words().c_str());
+  std::fflush(stdout);
+  return acceptOne(listener, wake, error);
+}
+
+LinkOptions linkOptions(Credentials credentials) {
+  LinkOptions options;
+  options.credentials = std::move(credentials);
+  options.identity.set_label_text("vantry-phone");
+  options.interleaves = true;
+  options.records = false;
+  return options;
+}
+
+SessionOptions sessionOptions(const Options& options) {
+  SessionOptions session;
+  session.wish = {options.size, options.fps};
+  session.stream.paced = !options.fast;
+  session.stream.unitLimit = static_cast<std::uint64_t>(options.frames);
+  return session;
+}
+
+int report(const Options& options, const PhoneSession& session, std::ofstream* stats) {
+  const LinkEnd end = session.outcome();
+  const int status = end.clean ? exitClean : exitLink;
+  if (end.clean) {
+    spdlog::info("the link has ended: {}", end.words());
+  } else {
+    spdlog::error("the link has failed: {}", end.words());
+  }
+  if (options.stats.empty()) return status;
+  *stats << statsJson(session, status) << std::flush;
+  if (*stats) return status;
+  spdlog::error("cannot write {}; free some room or name another file with --stats", options.stats);
+  return status == exitClean ? exitUsage : status;
+}
+
+int runLink(const Options& options, Credentials credentials, std::unique_ptr<VideoSource> video,
+            std::ofstream* stats) {
+  Wake wake;
+  catchSignals(&wake);
+  std::string error;
+  Socket socket = reachHeadUnit(options, &wake, &error);
+  if (!error.empty()) {
+    spdlog::error("{}", error);
+    return exitLink;
+  }
+  if (!socket) {
+    spdlog::info("interrupted before there was a link");
+    return exitClean;
+  }
+
+  Timers timers;
+  timers.advance(steadyNow());
+  PhoneLink link(linkOptions(std::move(credentials)));
+  Console console(&link, &timers);
+  PhoneSession session(&link, &timers, sessionOptions(options), videoFactory(options, std::move(video)));
+  SocketRunner runner(&link, &timers, &wake);
+  runner.onWake([&session] { session.interrupt(); });
+  console.showProgress(&session);
+  session.start();
+  runner.run(std::move(socket));
+  return report(options, session, stats);
+}
+
+int run(const Options& options) {
+  std::string error;
+  auto credentials = loadCredentials(options.credentials, &error);
+  auto video = credentials ? openVideo(options, options.size, &error) : nullptr;
+  if (!video) {
+    spdlog::error("{}", error);
+    return exitUsage;
+  }
+  if (const std::string doubts = doubtsAbout(*credentials); !doubts.empty()) {
+    spdlog::warn("{}; the head unit will probably refuse it", doubts);
+  }
+  std::ofstream stats;
+  if (!options.stats.empty()) stats.open(options.stats);
+  if (!stats) {
+    spdlog::error("cannot write {}; name another file with --stats", options.stats);
+    return exitUsage;
+  }
+  return runLink(options, std::move(*credentials), std::move(video), &stats);
+}
+
+}  // namespace
+}  // namespace phone
+
+int main(int argc, char** argv) {
+  int status = 0;
+  const auto options = phone::readOptions(argc, argv, &status);
+  if (!options) return status;
+  phone::setUpLog(options->verbose);
+  try {
+    return phone::run(*options);
+  } catch (const std::exception& failure) {
+    spdlog::error("phone: {}; this should not happen", failure.what());
+    return phone::exitLink;
+  }
+}

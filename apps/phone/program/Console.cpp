@@ -1,0 +1,79 @@
+#include "phone/program/Console.h"
+
+#include <spdlog/spdlog.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace phone {
+
+namespace {
+
+constexpr Micros drawInterval = 250'000;
+
+}  // namespace
+
+Console::Console(PhoneLink* link, Timers* timers) : link_(link), timers_(timers) { link_->observe(this); }
+
+void Console::showProgress(const PhoneSession* session) {
+  if (isatty(STDERR_FILENO) == 0) return;
+  session_ = session;
+  draw();
+}
+
+void Console::draw() {
+  if (link_->end()) return;
+  const MediaStream* video = session_->video();
+  if (video != nullptr && video->state() == MediaStream::State::streaming) {
+    const StreamStats& stats = video->stats();
+    const double seconds = static_cast<double>(timers_->now() - stats.started) / 1e6;
+    const double latency =
+        stats.ackLatencies.empty() ? 0 : static_cast<double>(stats.ackLatencies.back()) / 1000.0;
+    std::fprintf(stderr, "\r\033[K%llu frames, %.1f s, %.2f MB, last acknowledged after %.1f ms",
+                 static_cast<unsigned long long>(stats.units), seconds, static_cast<double>(stats.bytes) / 1e6,
+                 latency);
+    drawn_ = true;
+  }
+  timers_->after(drawInterval, [this] { draw(); });
+}
+
+void Console::clear() {
+  if (drawn_) std::fputs("\r\033[K", stderr);
+  drawn_ = false;
+}
+
+void Console::onState(LinkState state) {
+  clear();
+  if (state == LinkState::awaitingAuth) {
+    spdlog::info("TLS stands: {}, head unit is \"{}\"", link_->tls()->cipher(), link_->tls()->peerName());
+  } else if (state == LinkState::up) {
+    tellServices();
+  } else {
+    spdlog::debug("the link is now {}", nameOf(state));
+  }
+}
+
+void Console::tellServices() const {
+  const ServiceDiscoveryResponse& services = *link_->services();
+  spdlog::info("head unit {} {} (car: {} {} {}) offers {} services", services.head_unit_make(),
+               services.head_unit_model(), services.make(), services.model(), services.year(),
+               services.services_size());
+}
+
+void Console::onMessage(const Message& message) {
+  if (message.type() == MESSAGE_UNEXPECTED_MESSAGE) {
+    clear();
+    spdlog::warn("head unit: did not expect a message on channel {}", message.channel);
+  } else if (spdlog::should_log(spdlog::level::debug)) {
+    clear();
+    spdlog::debug("channel {}: received type {:#06x}, {} bytes", message.channel, message.type(),
+                  message.bytes.size());
+  }
+}
+
+void Console::onViolation(const std::string& what) {
+  clear();
+  spdlog::warn("head unit broke a rule: {}", what);
+}
+
+}  // namespace phone

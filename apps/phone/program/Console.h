@@ -1,0 +1,34 @@
+#ifndef PHONE_PROGRAM_CONSOLE_H
+#define PHONE_PROGRAM_CONSOLE_H
+
+#include "phone/PhoneSession.h"
+
+namespace phone {
+
+/// Tells the user what happens on a link: log lines, and on a terminal a line that shows the progress.
+class Console : public LinkObserver {
+ public:
+  /// Both outlive the console.
+  Console(PhoneLink* link, Timers* timers);
+
+  /// Shows the progress of `session` from now on, if stderr is a terminal.
+  void showProgress(const PhoneSession* session);
+
+  void onState(LinkState state) override;
+  void onMessage(const Message& message) override;
+  void onViolation(const std::string& what) override;
+
+ private:
+  void draw();
+  void clear();
+  void tellServices() const;
+
+  PhoneLink* link_;
+  Timers* timers_;
+  const PhoneSession* session_ = nullptr;
+  bool drawn_ = false;
+};
+
+}  // namespace phone
+
+#endif

@@ -1,0 +1,72 @@
+#include "phone/program/Options.h"
+
+#include <CLI/CLI.hpp>
+#include <map>
+
+namespace phone {
+
+namespace {
+
+constexpr char footer[] =
+    "Exit status: 0 after a link that ended in good order, 1 for wrong usage, 2 for a link that failed.\n"
+    "With --listen HOST:0 the system chooses the port; a line \"listening on HOST:PORT\" tells which.";
+
+const std::map<std::string, PictureSize> sizes = {
+    {"800x480", {800, 480}}, {"1280x720", {1280, 720}}, {"1920x1080", {1920, 1080}}};
+
+std::string checkEndpoint(const std::string& text) {
+  return parseEndpoint(text) ? "" : "\"" + text + "\" is not HOST:PORT";
+}
+
+}  // namespace
+
+std::optional<Options> readOptions(int argc, char** argv, int* status) {
+  Options options;
+  std::string connect;
+  std::string listen;
+  std::string size = "800x480";
+
+  CLI::App app("Plays a phone: brings up a projection link to a head unit and streams a picture to it.",
+               "vantry-phone");
+  app.footer(footer);
+  auto* peer = app.add_option_group("Peer", "exactly one of");
+  peer->add_option("--connect", connect, "connect to a head unit that listens there")
+      ->check(checkEndpoint)
+      ->type_name("HOST:PORT");
+  peer->add_option("--listen", listen, "wait there for a head unit that connects")
+      ->check(checkEndpoint)
+      ->type_name("HOST:PORT");
+  peer->require_option(1);
+  app.add_option("--credentials", options.credentials, "folder of root.pem, phone.pem and phone.key")
+      ->type_name("DIR")
+      ->capture_default_str();
+  app.add_option("--video", options.video, "play this file instead of the test picture")->type_name("FILE");
+  app.add_option("--size", size, "800x480, 1280x720 or 1920x1080, if the head unit allows it")
+      ->check(CLI::IsMember(sizes).description(""))
+      ->type_name("SIZE")
+      ->capture_default_str();
+  app.add_option("--fps", options.fps, "frames a second of a picture that is encoded here")
+      ->check(CLI::Range(1, 120).description(""))
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_option("--frames", options.frames, "end after so many frames; 0 for no limit")
+      ->check(CLI::NonNegativeNumber)
+      ->type_name("N");
+  app.add_flag("--loop", options.loop, "start the file again at its end");
+  app.add_flag("--fast", options.fast, "send as quickly as the head unit acknowledges");
+  app.add_option("--stats", options.stats, "write figures about the link to this file")->type_name("FILE.json");
+  app.add_flag("--verbose", options.verbose, "log every step of the link");
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    *status = app.exit(error) == 0 ? 0 : 1;
+    return std::nullopt;
+  }
+  options.listens = connect.empty();
+  options.endpoint = *parseEndpoint(options.listens ? listen : connect);
+  options.size = sizes.at(size);
+  return options;
+}
+
+}  // namespace phone

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <ctime>
+#include <string>
+
+namespace test {
+
+/// PEM texts of one side.
+struct Identity {
+  std::string certificate;
+  std::string key;
+};
+
+/// Certificates and keys for TLS, made once for each process: EC P-256, valid from an hour ago on for a day
+/// unless the name tells otherwise.
+struct TestCredentials {
+  std::string root;  ///< signs all but the strangers
+  Identity phone;
+  Identity headUnit;
+  Identity expiredPhone;  ///< ran out at `expiry`
+  Identity futurePhone;   ///< not valid before next year
+  std::string strangerRoot;
+  Identity strangerPhone;     ///< signed by strangerRoot
+  Identity strangerHeadUnit;  ///< signed by strangerRoot
+  std::string otherKey;       ///< belongs to no certificate
+  time_t expiry = 0;          ///< yesterday
+};
+
+const TestCredentials& credentials();
+
+}  // namespace test

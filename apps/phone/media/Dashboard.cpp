@@ -53,13 +53,16 @@ Dashboard::Dashboard(int width, int height, float scale)
       scale_(scale),
       car_{static_cast<float>(width) * 0.5F, static_cast<float>(height) * 0.6F},
       distance_({30 * scale, 4.2F * scale, 9 * scale}, WHITE),
-      counter_({38 * scale, 5 * scale, 10 * scale}, WHITE),
-      leadingZeros_({38 * scale, 5 * scale, 10 * scale}, FAINT),
-      clock_({19 * scale, 2.4F * scale, 6 * scale}, WHITE),
+      counter_({36 * scale, 4.6F * scale, 8 * scale}, WHITE),
+      leadingZeros_({36 * scale, 4.6F * scale, 8 * scale}, FAINT),
+      clock_({16 * scale, 2.1F * scale, 5.6F * scale}, WHITE),
       finger_({16 * scale, 3 * scale, 5 * scale}, WHITE) {
   for (std::size_t leg = 0; leg < CityMap::LEGS; ++leg) turnCards_.push_back(turnCard(leg));
   frameCard_ = frameCard();
   stripFrame_ = stripFrame();
+  Canvas unit(scaled(16), scaled(14));
+  label(&unit, "M", {2, 2}, GREY);
+  metres_ = Sprite(unit);
 }
 
 int Dashboard::scaled(float length) const { return 2 * static_cast<int>(std::lround(length * scale_ / 2)); }
@@ -106,7 +109,7 @@ Sprite Dashboard::turnCard(std::size_t leg) const {
 Sprite Dashboard::frameCard() const {
   Canvas canvas = card(FRAME_WIDTH, FRAME_HEIGHT);
   label(&canvas, "FRAME", {PADDING, 16}, GREY);
-  label(&canvas, "TIME", {PADDING, 96}, GREY);
+  label(&canvas, "TIME", {PADDING, 99}, GREY);
   const std::string size = std::to_string(width_) + " X " + std::to_string(height_);
   const Lettering small{9.5F, 1.5F, 4};
   label(&canvas, size, {FRAME_WIDTH - PADDING - textWidth(size, small), 16}, FAINT);
@@ -149,7 +152,10 @@ void Dashboard::drawCards(const YuvView& picture, const TestFrame& frame, const 
   const int margin = scaled(MARGIN);
   turnCards_[place.leg].draw(picture, margin, margin);
   const int metres = static_cast<int>(place.toTurn) / 5 * 5;
-  distance_.draw(picture, std::to_string(metres), margin + scaled(91), margin + scaled(16));
+  const std::string distance = std::to_string(metres);
+  const int unitLeft = margin + scaled(92) + distance_.width(distance);
+  distance_.draw(picture, distance, margin + scaled(91), margin + scaled(18));
+  metres_.draw(picture, unitLeft, margin + scaled(18) + distance_.height() - metres_.height());
 
   const int left = frameCardLeft();
   frameCard_.draw(picture, left, margin);

@@ -40,6 +40,7 @@ class Dashboard {
   std::vector<Sprite> turnCards_;
   Sprite frameCard_;
   Sprite stripFrame_;
+  Sprite metres_;  // the unit behind the distance
   Digits distance_;
   Digits counter_;
   Digits leadingZeros_;

@@ -42,7 +42,7 @@ void configure(AVCodecContext* codec, const VideoOptions& options) {
   codec->thread_count = options.width * options.height >= LARGE_PICTURE ? 2 : 1;
   codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
   // Options that libx264 does not know would fail at avcodec_open2, so the results need no look here.
-  av_opt_set(codec->priv_data, "preset", "superfast", 0);
+  av_opt_set(codec->priv_data, "preset", "ultrafast", 0);
   av_opt_set(codec->priv_data, "tune", "zerolatency", 0);
   av_opt_set(codec->priv_data, "profile", "baseline", 0);
   av_opt_set(codec->priv_data, "crf", "22", 0);

@@ -1,4 +1,5 @@
-// The library's log functions: every argument is formatted, so that a bad one is found, and nothing is printed.
+// The library's log functions: every argument is formatted, so that a bad one is found, and nothing is
+// printed.
 
 #include <cstdarg>
 #include <cstdio>

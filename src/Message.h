@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ForgetUnknownFields.h"
 #include "IoBuffer.h"
 #include "protos.pb.h"
 #include "shared_ptr.h"
@@ -35,13 +36,13 @@ void logParseFailure(const char* file, int line);
 }
 
 /// Reads the record in `size` body bytes. On false it has logged, with the caller's file and line. The record keeps
-/// no fields that the schema does not know.
+/// no fields that the schema does not know, nor does any record inside it.
 template <class Record>
 [[nodiscard]] bool readRecord(const void* body, unsigned int size, Record* record, const char* file = __builtin_FILE(),
                               int line = __builtin_LINE()) {
   const bool parsed = parseRecord(body, size, record);
   if (parsed) {
-    record->mutable_unknown_fields()->clear();
+    forgetUnknownFields(record);
   } else {
     logParseFailure(file, line);
   }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "VantryExport.h"
+
+/// A piece of work for a WorkQueue. The host derives from it and hands it over in a shared_ptr; the last
+/// reference to go deletes it, on whichever thread that happens.
+class VANTRY_EXPORT WorkItem {
+ public:
+  virtual ~WorkItem() = default;
+
+  /// The work. Called at most once by the queue, on one of its threads, with no lock held: it may queue
+  /// further work, but must not shut its own queue down.
+  virtual void run() = 0;
+};

@@ -2,9 +2,9 @@
 #include <cstddef>
 #include <utility>
 
-#include "media/MediaDecoder.h"
-#include "media/PcmClock.h"
-#include "media/PcmSource.h"
+#include "phone/media/MediaDecoder.h"
+#include "phone/media/PcmClock.h"
+#include "phone/media/PcmSource.h"
 
 extern "C" {
 #include <libavutil/channel_layout.h>

@@ -1,4 +1,4 @@
-#include "media/Canvas.h"
+#include "phone/media/Canvas.h"
 
 #include <algorithm>
 

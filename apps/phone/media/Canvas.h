@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "media/Shapes.h"
-#include "media/YuvView.h"
+#include "phone/media/Shapes.h"
+#include "phone/media/YuvView.h"
 
 namespace phone {
 

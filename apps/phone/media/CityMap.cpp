@@ -1,4 +1,4 @@
-#include "media/CityMap.h"
+#include "phone/media/CityMap.h"
 
 #include <array>
 #include <cmath>

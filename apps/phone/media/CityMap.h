@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "media/Canvas.h"
+#include "phone/media/Canvas.h"
 
 namespace phone {
 

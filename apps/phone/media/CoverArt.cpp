@@ -1,10 +1,10 @@
-#include "media/CoverArt.h"
+#include "phone/media/CoverArt.h"
 
 #include <array>
 #include <cmath>
 
-#include "media/Png.h"
-#include "media/Shapes.h"
+#include "phone/media/Png.h"
+#include "phone/media/Shapes.h"
 
 namespace phone {
 namespace {

@@ -1,4 +1,4 @@
-#include "media/Dashboard.h"
+#include "phone/media/Dashboard.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-#include "media/DataStrip.h"
+#include "phone/media/DataStrip.h"
 
 namespace phone {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <vector>
 
-#include "media/Canvas.h"
-#include "media/CityMap.h"
-#include "media/Digits.h"
-#include "media/TestPicture.h"
+#include "phone/media/Canvas.h"
+#include "phone/media/CityMap.h"
+#include "phone/media/Digits.h"
+#include "phone/media/TestPicture.h"
 
 namespace phone {
 

@@ -1,4 +1,4 @@
-#include "media/DataStrip.h"
+#include "phone/media/DataStrip.h"
 
 #include <algorithm>
 #include <array>

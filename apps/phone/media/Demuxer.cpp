@@ -1,4 +1,4 @@
-#include "media/Demuxer.h"
+#include "phone/media/Demuxer.h"
 
 #include <filesystem>
 #include <string_view>

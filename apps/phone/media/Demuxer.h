@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "media/Ffmpeg.h"
+#include "phone/media/Ffmpeg.h"
 
 namespace phone {
 

@@ -1,4 +1,4 @@
-#include "media/Digits.h"
+#include "phone/media/Digits.h"
 
 #include <cmath>
 #include <string>

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "media/Canvas.h"
-#include "media/Lettering.h"
+#include "phone/media/Canvas.h"
+#include "phone/media/Lettering.h"
 
 namespace phone {
 

@@ -1,4 +1,4 @@
-#include "media/Ffmpeg.h"
+#include "phone/media/Ffmpeg.h"
 
 #include <array>
 

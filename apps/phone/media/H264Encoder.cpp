@@ -1,8 +1,8 @@
-#include "media/H264Encoder.h"
+#include "phone/media/H264Encoder.h"
 
 #include <utility>
 
-#include "media/NalUnits.h"
+#include "phone/media/NalUnits.h"
 
 extern "C" {
 #include <libavutil/opt.h>

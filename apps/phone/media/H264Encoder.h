@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "media/Ffmpeg.h"
-#include "media/VideoSource.h"
+#include "phone/media/Ffmpeg.h"
+#include "phone/media/VideoSource.h"
 
 namespace phone {
 

@@ -1,4 +1,4 @@
-#include "media/Lettering.h"
+#include "phone/media/Lettering.h"
 
 #include <sstream>
 #include <string>

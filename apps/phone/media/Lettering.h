@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "media/Canvas.h"
+#include "phone/media/Canvas.h"
 
 namespace phone {
 

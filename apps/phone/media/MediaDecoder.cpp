@@ -1,4 +1,4 @@
-#include "media/MediaDecoder.h"
+#include "phone/media/MediaDecoder.h"
 
 #include <utility>
 

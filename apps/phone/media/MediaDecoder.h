@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "media/Demuxer.h"
-#include "media/Ffmpeg.h"
+#include "phone/media/Demuxer.h"
+#include "phone/media/Ffmpeg.h"
 
 namespace phone {
 

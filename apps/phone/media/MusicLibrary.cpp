@@ -1,4 +1,4 @@
-#include "media/MusicLibrary.h"
+#include "phone/media/MusicLibrary.h"
 
 #include <algorithm>
 #include <array>
@@ -7,8 +7,8 @@
 #include <iterator>
 #include <optional>
 
-#include "media/CoverArt.h"
-#include "media/Demuxer.h"
+#include "phone/media/CoverArt.h"
+#include "phone/media/Demuxer.h"
 
 namespace phone {
 namespace {

@@ -1,4 +1,4 @@
-#include "media/NalUnits.h"
+#include "phone/media/NalUnits.h"
 
 namespace phone {
 namespace {

@@ -1,8 +1,8 @@
-#include "media/PassthroughVideo.h"
+#include "phone/media/PassthroughVideo.h"
 
 #include <algorithm>
 
-#include "media/NalUnits.h"
+#include "phone/media/NalUnits.h"
 
 namespace phone {
 PassthroughVideo::PassthroughVideo(const std::string& path, std::unique_ptr<Demuxer> demuxer,

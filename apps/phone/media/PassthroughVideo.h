@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "media/Demuxer.h"
-#include "media/StreamClock.h"
-#include "media/VideoSource.h"
+#include "phone/media/Demuxer.h"
+#include "phone/media/StreamClock.h"
+#include "phone/media/VideoSource.h"
 
 namespace phone {
 

@@ -1,4 +1,4 @@
-#include "media/PictureFitter.h"
+#include "phone/media/PictureFitter.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "media/Ffmpeg.h"
+#include "phone/media/Ffmpeg.h"
 
 namespace phone {
 

@@ -1,7 +1,7 @@
-#include "media/Png.h"
+#include "phone/media/Png.h"
 
-#include "media/Ffmpeg.h"
-#include "media/MediaDecoder.h"
+#include "phone/media/Ffmpeg.h"
+#include "phone/media/MediaDecoder.h"
 
 extern "C" {
 #include <libavutil/imgutils.h>

@@ -1,4 +1,4 @@
-#include "media/StreamClock.h"
+#include "phone/media/StreamClock.h"
 
 #include <algorithm>
 

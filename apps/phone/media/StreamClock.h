@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "media/Ffmpeg.h"
+#include "phone/media/Ffmpeg.h"
 
 namespace phone {
 

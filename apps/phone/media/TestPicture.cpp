@@ -1,10 +1,10 @@
-#include "media/TestPicture.h"
+#include "phone/media/TestPicture.h"
 
 #include <algorithm>
 
-#include "media/CityMap.h"
-#include "media/Dashboard.h"
-#include "media/DataStrip.h"
+#include "phone/media/CityMap.h"
+#include "phone/media/Dashboard.h"
+#include "phone/media/DataStrip.h"
 
 namespace phone {
 namespace {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "media/YuvView.h"
+#include "phone/media/YuvView.h"
 
 namespace phone {
 

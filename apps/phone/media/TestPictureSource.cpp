@@ -1,9 +1,9 @@
-#include "media/TestPictureSource.h"
+#include "phone/media/TestPictureSource.h"
 
 #include <mutex>
 #include <utility>
 
-#include "media/H264Encoder.h"
+#include "phone/media/H264Encoder.h"
 
 namespace phone {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "media/TestPicture.h"
-#include "media/VideoSource.h"
+#include "phone/media/TestPicture.h"
+#include "phone/media/VideoSource.h"
 
 namespace phone {
 

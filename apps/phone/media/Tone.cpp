@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "media/PcmClock.h"
-#include "media/PcmSource.h"
+#include "phone/media/PcmClock.h"
+#include "phone/media/PcmSource.h"
 
 namespace phone {
 namespace {

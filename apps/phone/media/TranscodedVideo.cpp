@@ -1,4 +1,4 @@
-#include "media/TranscodedVideo.h"
+#include "phone/media/TranscodedVideo.h"
 
 #include <utility>
 

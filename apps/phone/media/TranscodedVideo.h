@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "media/H264Encoder.h"
-#include "media/MediaDecoder.h"
-#include "media/PictureFitter.h"
-#include "media/StreamClock.h"
-#include "media/VideoSource.h"
+#include "phone/media/H264Encoder.h"
+#include "phone/media/MediaDecoder.h"
+#include "phone/media/PictureFitter.h"
+#include "phone/media/StreamClock.h"
+#include "phone/media/VideoSource.h"
 
 namespace phone {
 

@@ -2,9 +2,9 @@
 #include <string>
 #include <utility>
 
-#include "media/PassthroughVideo.h"
-#include "media/TranscodedVideo.h"
-#include "media/VideoSource.h"
+#include "phone/media/PassthroughVideo.h"
+#include "phone/media/TranscodedVideo.h"
+#include "phone/media/VideoSource.h"
 
 namespace phone {
 

@@ -1,4 +1,4 @@
-#include "media/Wav.h"
+#include "phone/media/Wav.h"
 
 #include <algorithm>
 #include <array>

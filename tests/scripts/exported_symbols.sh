@@ -2,15 +2,9 @@
 # usage: exported_symbols.sh LIBRARY SOURCE_DIR GENERATED_DIR
 # The shared library offers what the headers mark for export and nothing else, and takes its log functions from
 # the host.
-set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 library=$1 source=$2 generated=$3
 headers=("$source"/include/*.h "$generated/protos.pb.h")
-fail=0
-
-complain() {
-  printf 'FAILED: %s\n%s\n' "$1" "$2" >&2
-  fail=1
-}
 
 # Every name that stands behind the export macro: classes and records, their default instances, the enumerations'
 # _IsValid, and what the schema compiler keeps for itself.
@@ -24,12 +18,10 @@ owner='s/^(vtable|typeinfo|typeinfo name|guard variable|VTT|construction vtable|
   s/^([A-Za-z_0-9]+)\* google::protobuf::Arena::CreateMaybeMessage<\1>\(.*/\1/
   s/(<|::|\(|\[).*//'
 strangers=$(comm -13 <(echo "$marked") <(sed -E "$owner" <<<"$exported" | sort -u))
-[[ -z $strangers ]] || complain "exported, but no header marks it so:" "$(grep -wFf <(echo "$strangers") <<<"$exported" | head -n 20)"
-grep -q '^VantryReceiver::init(' <<<"$exported" || complain "VantryReceiver::init is not exported" ''
+[[ -z $strangers ]] || fail "exported, but no header marks it so: $(grep -wFf <(echo "$strangers") <<<"$exported" | head -n 20)"
+grep -q '^VantryReceiver::init(' <<<"$exported" || fail "VantryReceiver::init is not exported"
 
 undefined=$(nm -D --undefined-only "$library")
 for name in print_debug_i print_critical_i; do
-  grep -qw "$name" <<<"$undefined" || complain "$name is not left to the host" ''
+  grep -qw "$name" <<<"$undefined" || fail "$name is not left to the host"
 done
-
-exit $fail

@@ -2,16 +2,9 @@
 # usage: installed_consumer.sh BUILD_DIR CXX
 # Installs the build into a temporary place, moves it, and builds and runs a host against what is there: by the
 # CMake package, with log functions of its own and with the ready-made ones, and by pkg-config.
-set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 build=$1 cxx=$2
 here=$(cd "$(dirname "$0")" && pwd)
-tmp=$(mktemp -d)
-trap 'rm -rf "$tmp"' EXIT
-
-fail() {
-  printf 'FAILED: %s\n' "$*" >&2
-  exit 1
-}
 
 run() {
   "$@" >"$tmp/log" 2>&1 && return

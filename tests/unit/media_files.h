@@ -148,6 +148,7 @@ struct VideoRecipe {
   int fps = 30;
   int frames = 12;
   int keyframeEvery = 6;
+  int bFrames = 0;
   AVPixelFormat format = AV_PIX_FMT_YUV420P;
 };
 
@@ -163,6 +164,7 @@ inline void writeVideo(const std::string& path, const VideoRecipe& recipe, const
     codec->time_base = {1, recipe.fps};
     codec->framerate = {recipe.fps, 1};
     codec->gop_size = recipe.keyframeEvery;
+    codec->max_b_frames = recipe.bFrames;
     codec->thread_count = 1;
     codec->flags |= AV_CODEC_FLAG_QSCALE;
     codec->global_quality = 2 * FF_QP2LAMBDA;

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 
 #include "phone/OpenSslTypes.h"
 
@@ -25,8 +24,12 @@ int noPassphrase(char*, int, int, void*) { return -1; }
 bool readFile(const std::string& path, std::string* text, std::string* error) {
   errno = 0;
   std::ifstream file(path, std::ios::binary);
-  if (file) text->assign(std::istreambuf_iterator<char>(file), {});
-  if (file && !file.bad()) return true;
+  const bool opened = file.is_open();
+  char piece[4096];
+  while (file.read(piece, sizeof piece), file.gcount() > 0) {
+    text->append(piece, static_cast<std::size_t>(file.gcount()));
+  }
+  if (opened && !file.bad()) return true;
   *error = "cannot read " + path + ": " + std::strerror(errno != 0 ? errno : EIO) +
            "; make a set of credentials with scripts/make-credentials, or name its folder with --credentials";
   return false;

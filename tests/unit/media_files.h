@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -151,6 +153,45 @@ struct VideoRecipe {
   int bFrames = 0;
   AVPixelFormat format = AV_PIX_FMT_YUV420P;
 };
+
+/// Writes `samples` (interleaved, 16 bits) in the format of `codec`, with tags and a cover if they are given.
+struct SoundRecipe {
+  const char* codec = "pcm_s16le";
+  int sampleRate = 48000;
+  int channels = 2;
+  FileMaker::Settings tags;
+  std::vector<std::uint8_t> cover;
+};
+
+inline void writeSound(const std::string& path, const SoundRecipe& recipe,
+                       const std::vector<std::int16_t>& samples) {
+  FileMaker file(path);
+  file.addStream(recipe.codec, {}, [&](AVCodecContext* codec) {
+    codec->sample_rate = recipe.sampleRate;
+    codec->sample_fmt = AV_SAMPLE_FMT_S16;
+    codec->time_base = {1, recipe.sampleRate};
+    av_channel_layout_default(&codec->ch_layout, recipe.channels);
+  });
+  if (!recipe.cover.empty()) file.addCover(recipe.cover);
+  for (const auto& [name, value] : recipe.tags) file.tag(name.c_str(), value.c_str());
+  file.begin();
+  const std::size_t chunk =
+      file.encoder().frame_size > 0 ? static_cast<std::size_t>(file.encoder().frame_size) : 1024;
+  const auto channels = static_cast<std::size_t>(recipe.channels);
+  for (std::size_t at = 0; at < samples.size() / channels; at += chunk) {
+    const std::size_t count = std::min(chunk, samples.size() / channels - at);
+    const phone::FramePtr frame(av_frame_alloc());
+    frame->nb_samples = static_cast<int>(count);
+    frame->format = AV_SAMPLE_FMT_S16;
+    frame->sample_rate = recipe.sampleRate;
+    frame->pts = static_cast<std::int64_t>(at);
+    av_channel_layout_default(&frame->ch_layout, recipe.channels);
+    require(av_frame_get_buffer(frame.get(), 0) >= 0, "no memory");
+    std::memcpy(frame->data[0], samples.data() + at * channels, count * channels * 2);
+    file.add(frame.get());
+  }
+  file.finish();
+}
 
 using Draw = std::function<void(int number, AVFrame* frame)>;
 

@@ -22,7 +22,9 @@ CodecPtr openDecoder(const std::string& path, const AVStream& stream, std::strin
   codec->thread_count = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO ? 2 : 1;
   if (result >= 0) result = avcodec_open2(codec.get(), decoder, nullptr);
   if (result < 0) {
-    *error = "The file '" + path + "' cannot be decoded: " + ffmpegError(result) + ".";
+    const bool nonsense = result == AVERROR(EINVAL) || result == AVERROR_INVALIDDATA;
+    *error = "The file '" + path + "' cannot be decoded: " +
+             (nonsense ? "what it tells of its format makes no sense" : ffmpegError(result)) + ".";
     return nullptr;
   }
   return codec;

@@ -11,7 +11,9 @@
 namespace phone {
 
 /// A file's H.264 stream, handed on as it is: only the framing of NAL units changes, to Annex B. Access units
-/// before the first key frame, which nobody could decode, are left out.
+/// before the first key frame, which nobody could decode, are left out. A container that stores one time only
+/// (AVI, or none as in a bare .h264 file) gives `timestampUs` equal to `dueUs` even where pictures are
+/// reordered.
 class PassthroughVideo : public VideoSource {
  public:
   /// Null on failure, with a whole sentence for the user in `*error`.

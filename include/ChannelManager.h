@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "Channel.h"
+#include "ChannelSet.h"
 #include "Frame.h"
 #include "Mutex.h"
 #include "Semaphore.h"
@@ -12,27 +13,27 @@
 class MessageRouter;
 class SslWrapper;
 
-/// Turns received bytes into frames and frames into messages, and messages to send into frames and bytes. It knows
-/// channels by number and nothing of the services on them. VantryReceiver owns the one of a link.
+/// Turns received bytes into frames and frames into messages, and messages to send into frames and bytes. It
+/// knows channels by number and nothing of the services on them. VantryReceiver owns the one of a link.
 ///
 ///     offset  0        1      2       4                    4 or 8
 ///             channel  flags  length  total length         payload, `length` bytes
 ///             8 bits   8      16      32, FRAME_FIRST only
 ///
-/// All numbers are big-endian. `length` counts the payload as it stands on the wire, so after encryption; the total
-/// length is the plain size of the whole message.
+/// All numbers are big-endian. `length` counts the payload as it stands on the wire, so after encryption; the
+/// total length is the plain size of the whole message.
 ///
-/// Threads: queueIncoming and all that it calls run on one thread at a time, the reader; getEncodedFrame on one, the
-/// writer; the queueOutgoing operations and prepareShutdown on any. A framing error is terminal: nothing makes the
-/// manager run again after it.
+/// Threads: queueIncoming and all that it calls run on one thread at a time, the reader; getEncodedFrame on
+/// one, the writer; the queueOutgoing operations and prepareShutdown on any. A framing error is terminal:
+/// nothing makes the manager run again after it.
 class VANTRY_EXPORT ChannelManager {
  public:
   ChannelManager() = default;
   ChannelManager(const ChannelManager&) = delete;
   ChannelManager& operator=(const ChannelManager&) = delete;
 
-  /// Before the threads start: forgets all channels and starts running. `messageRouter` is not owned and must live
-  /// until `shutdown`. Always true.
+  /// Before the threads start: forgets all channels and starts running. `messageRouter` is not owned and must
+  /// live until `shutdown`. Always true.
   bool init(MessageRouter* messageRouter);
 
   /// Any thread: stops both directions and wakes a writer that is blocked in getEncodedFrame.
@@ -47,11 +48,11 @@ class VANTRY_EXPORT ChannelManager {
   /// Reader thread. Drops the channel and what it has queued. STATUS_INVALID_CHANNEL if it is not registered.
   int unregisterChannel(unsigned char channel);
 
-  /// Any thread: queues one whole message, `length` bytes at `data` with its type in the first two. The bytes are
-  /// copied before the call returns; it never waits for the link. `control` asks for FRAME_FLAG_CONTROL and
-  /// `encrypted` for FRAME_FLAG_ENCRYPTED on every frame. Returns STATUS_INVALID_CHANNEL, and drops the message, if
-  /// the channel is not registered. A long message stays whole on the wire only if its channel has one sender at a
-  /// time.
+  /// Any thread: queues one whole message, `length` bytes at `data` with its type in the first two. The bytes
+  /// are copied before the call returns; it never waits for the link. `control` asks for FRAME_FLAG_CONTROL
+  /// and `encrypted` for FRAME_FLAG_ENCRYPTED on every frame. Returns STATUS_INVALID_CHANNEL, and drops the
+  /// message, if the channel is not registered. A long message stays whole on the wire only if its channel
+  /// has one sender at a time.
   int queueOutgoing(int channel, bool control, void* data, unsigned int length, bool encrypted);
   /// The same with `encrypted` true.
   int queueOutgoing(int channel, bool control, void* data, unsigned int length);
@@ -61,13 +62,13 @@ class VANTRY_EXPORT ChannelManager {
   /// Any thread: how many bytes follow the first 4 of a frame, which `header` points at. Not below 0.
   static int getAdditionalBytesToRead(const unsigned char* header);
 
-  /// Reader thread: takes exactly one whole frame. `buffer` is shared from now on, and decrypted in place: the
-  /// caller must not reuse it. Returns STATUS_SUCCESS, STATUS_FRAMING_ERROR, or the status of a control message;
-  /// what an endpoint thinks of its message is no failure of the link.
+  /// Reader thread: takes exactly one whole frame. `buffer` is shared from now on, and decrypted in place:
+  /// the caller must not reuse it. Returns STATUS_SUCCESS, STATUS_FRAMING_ERROR, or the status of a control
+  /// message; what an endpoint thinks of its message is no failure of the link.
   int queueIncoming(const shared_ptr<IoBuffer>& buffer);
 
-  /// Writer thread: blocks until a frame is ready and replaces `out`'s storage by its bytes. False when it woke
-  /// without one (call again) or when the manager has stopped.
+  /// Writer thread: blocks until a frame is ready and replaces `out`'s storage by its bytes. False when it
+  /// woke without one (call again) or when the manager has stopped.
   bool getEncodedFrame(IoBuffer* out);
 
   /// Reader thread, once, when the handshake has succeeded: frames flagged for encryption are encrypted and
@@ -79,7 +80,8 @@ class VANTRY_EXPORT ChannelManager {
 
   // The steps of the operations above, open to tests.
 
-  /// Writer thread: picks the next channel's next frame, in a round robin over all 256 numbers, and encodes it.
+  /// Writer thread: picks the next channel's next frame, in a round robin over all 256 numbers, and encodes
+  /// it.
   bool extractEncodedFrame(IoBuffer* out);
   /// Writer thread: one frame into wire bytes. Leaves `out` as it was if enciphering fails.
   void encodeFrame(const shared_ptr<Frame>& frame, IoBuffer* out);
@@ -90,13 +92,15 @@ class VANTRY_EXPORT ChannelManager {
   /// Reader thread: ends the link from the receive side and tells the host.
   void sendFramingError();
   /// Any thread: cuts a message into frames and queues them on `target`.
-  void messageToFrames(int channel, bool control, void* data, unsigned int length, const shared_ptr<Channel>& target,
-                       bool encrypted);
-  /// Reader thread: joins the fragments held by `source`; an atomic frame's own buffer comes back uncopied. Bytes
-  /// that were announced but not sent are zero. An empty pointer if there is no memory for the announced size.
+  void messageToFrames(int channel, bool control, void* data, unsigned int length,
+                       const shared_ptr<Channel>& target, bool encrypted);
+  /// Reader thread: joins the fragments held by `source`; an atomic frame's own buffer comes back uncopied.
+  /// Bytes that were announced but not sent are zero. An empty pointer if there is no memory for the
+  /// announced size.
   shared_ptr<IoBuffer> framesToMessage(const shared_ptr<Channel>& source);
   /// Reader thread: whether a frame fits its channel's state, and whether it completes a message.
-  int checkFragment(const shared_ptr<Frame>& frame, shared_ptr<Channel>* channel, bool* acceptable, bool* complete);
+  int checkFragment(const shared_ptr<Frame>& frame, shared_ptr<Channel>* channel, bool* acceptable,
+                    bool* complete);
 
  private:
   shared_ptr<Channel> channelAt(int channel);
@@ -112,4 +116,5 @@ class VANTRY_EXPORT ChannelManager {
   Semaphore outgoingFrames;
   std::atomic<SslWrapper*> sslWrapper{nullptr};
   int lastChannel = 255;
+  ChannelSet waiting;  // where to look for frames, so that idle channels cost nothing
 };

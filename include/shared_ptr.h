@@ -1,13 +1,13 @@
 #pragma once
 
-/// The smart pointer of the library's public interface: an object of any type, shared by an atomic count that stands
-/// in a block of its own. There are no weak references and no custom deleters.
+/// The smart pointer of the library's public interface: an object of any type, shared by an atomic count that
+/// stands in a block of its own. There are no weak references and no custom deleters.
 ///
-/// Copies of one shared object may be made and dropped on different threads at once. One variable may not be assigned
-/// on one thread while another reads it, and the object itself is not protected.
+/// Copies of one shared object may be made and dropped on different threads at once. One variable may not be
+/// assigned on one thread while another reads it, and the object itself is not protected.
 ///
-/// An assignment releases what the left side held before it takes the right side. Assigning a pointer that is the
-/// last reference to itself therefore destroys the object: don't.
+/// An assignment releases what the left side held before it takes the right side. Assigning a pointer that is
+/// the last reference to itself therefore destroys the object: don't.
 template <class T>
 class shared_ptr {
  public:
@@ -27,6 +27,18 @@ class shared_ptr {
     return *this;
   }
 
+  /// Takes over `other`'s reference, which leaves `other` empty and the count as it is.
+  shared_ptr(shared_ptr&& other) noexcept : refCount(other.refCount), object(other.object) { other.forget(); }
+
+  shared_ptr& operator=(shared_ptr&& other) noexcept {
+    if (this == &other) return *this;
+    if (refCount != nullptr) putRef();
+    refCount = other.refCount;
+    object = other.object;
+    other.forget();
+    return *this;
+  }
+
   /// Drops this reference; the last one deletes the object.
   ~shared_ptr() {
     if (refCount != nullptr) putRef();
@@ -40,13 +52,17 @@ class shared_ptr {
 
   explicit operator bool() const { return object != nullptr; }
 
-  friend bool operator==(const shared_ptr& left, const shared_ptr& right) { return left.object == right.object; }
-  friend bool operator!=(const shared_ptr& left, const shared_ptr& right) { return left.object != right.object; }
+  friend bool operator==(const shared_ptr& left, const shared_ptr& right) {
+    return left.object == right.object;
+  }
+  friend bool operator!=(const shared_ptr& left, const shared_ptr& right) {
+    return left.object != right.object;
+  }
   friend bool operator==(const shared_ptr& left, decltype(nullptr)) { return left.object == nullptr; }
   friend bool operator!=(const shared_ptr& left, decltype(nullptr)) { return left.object != nullptr; }
 
-  /// Drops this variable's reference. Only for a pointer that holds one: it does not test for an empty pointer, and
-  /// it leaves the variable pointing at the others' object unless it was the last reference.
+  /// Drops this variable's reference. Only for a pointer that holds one: it does not test for an empty
+  /// pointer, and it leaves the variable pointing at the others' object unless it was the last reference.
   void putRef() {
     if (__atomic_sub_fetch(refCount, 1U, __ATOMIC_SEQ_CST) != 0) return;
     delete object;
@@ -58,6 +74,11 @@ class shared_ptr {
  private:
   void addRef() {
     if (refCount != nullptr) __atomic_add_fetch(refCount, 1U, __ATOMIC_SEQ_CST);
+  }
+
+  void forget() {
+    refCount = nullptr;
+    object = nullptr;
   }
 
   unsigned int* refCount = nullptr;

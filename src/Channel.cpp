@@ -1,5 +1,7 @@
 #include "Channel.h"
 
+#include <utility>
+
 bool Channel::hasIncoming() {
   Autolock lock(&incomingLock);
   return !incoming.empty();
@@ -13,7 +15,7 @@ void Channel::enqueueIncoming(const shared_ptr<Frame>& frame) {
 
 shared_ptr<Frame> Channel::dequeueIncoming() {
   Autolock lock(&incomingLock);
-  shared_ptr<Frame> frame = incoming.front();
+  shared_ptr<Frame> frame = std::move(incoming.front());
   incoming.pop_front();
   incomingBytes -= frame->length;
   return frame;
@@ -36,18 +38,20 @@ unsigned int Channel::incomingTotal() {
 
 bool Channel::hasOutgoing() {
   Autolock lock(&outgoingLock);
+  if (outgoing.empty()) waiting->erase(id);
   return !outgoing.empty();
 }
 
 void Channel::enqueueOutgoing(const shared_ptr<Frame>& frame) {
   Autolock lock(&outgoingLock);
   outgoing.push_back(frame);
+  waiting->insert(id);
 }
 
 shared_ptr<Frame> Channel::dequeueOutgoing() {
   Autolock lock(&outgoingLock);
   if (outgoing.empty()) return shared_ptr<Frame>();
-  shared_ptr<Frame> frame = outgoing.front();
+  shared_ptr<Frame> frame = std::move(outgoing.front());
   outgoing.pop_front();
   return frame;
 }

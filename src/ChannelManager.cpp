@@ -31,7 +31,8 @@ void ChannelManager::shutdown() {
 int ChannelManager::registerChannel(unsigned char channel, signed char priority) {
   Autolock lock(&channelsLock);
   if (channels[channel]) return STATUS_INVALID_CHANNEL;
-  channels[channel] = shared_ptr<Channel>(new Channel(channel, static_cast<unsigned char>(priority + 127)));
+  channels[channel] =
+      shared_ptr<Channel>(new Channel(channel, static_cast<unsigned char>(priority + 127), &waiting));
   return STATUS_SUCCESS;
 }
 
@@ -48,7 +49,8 @@ shared_ptr<Channel> ChannelManager::channelAt(int channel) {
   return channels[channel];
 }
 
-int ChannelManager::queueOutgoing(int channel, bool control, void* data, unsigned int length, bool encrypted) {
+int ChannelManager::queueOutgoing(int channel, bool control, void* data, unsigned int length,
+                                  bool encrypted) {
   const shared_ptr<Channel> target = channelAt(channel);
   if (!target) return STATUS_INVALID_CHANNEL;
   messageToFrames(channel, control, data, length, target, encrypted);
@@ -94,7 +96,8 @@ int ChannelManager::deliver(const shared_ptr<Frame>& frame) {
     sendFramingError();
     return STATUS_FRAMING_ERROR;
   }
-  router.load()->routeMessage(channel->id, message);  // what an endpoint thinks of it is no failure of the link
+  router.load()->routeMessage(channel->id,
+                              message);  // what an endpoint thinks of it is no failure of the link
   return STATUS_SUCCESS;
 }
 
@@ -131,11 +134,20 @@ bool ChannelManager::extractEncodedFrame(IoBuffer* out) {
 
 shared_ptr<Channel> ChannelManager::nextChannelToServe() {
   Autolock lock(&channelsLock);
-  for (int i = 0; i < 256; ++i) {
-    const int candidate = (lastChannel + 1 + i) % 256;
-    if (!channels[candidate] || !channels[candidate]->hasOutgoing()) continue;
-    lastChannel = candidate;
-    return channels[candidate];
+  // Once around, in ascending order from the one after the last served.
+  for (int looked = 0; looked < 256;) {
+    const auto from = static_cast<unsigned char>(lastChannel + 1 + looked);
+    const int candidate = waiting.firstFrom(from);
+    if (candidate < 0) break;
+    const auto steps = static_cast<unsigned char>(candidate - from);
+    looked += steps + 1;
+    if (looked > 256) break;
+    if (!channels[candidate]) {
+      waiting.erase(static_cast<unsigned char>(candidate));  // closed with frames on it
+    } else if (channels[candidate]->hasOutgoing()) {
+      lastChannel = candidate;
+      return channels[candidate];
+    }
   }
   return shared_ptr<Channel>();
 }

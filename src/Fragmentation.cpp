@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "ChannelManager.h"
 #include "protos.pb.h"
@@ -14,8 +15,8 @@ int kindOfFragment(unsigned int offset, unsigned int left) {
   return first | last;
 }
 
-/// Storage for a message of which `sent` bytes are there; the others are zero, and memory for them is touched only
-/// when somebody reads it.
+/// Storage for a message of which `sent` bytes are there; the others are zero, and memory for them is touched
+/// only when somebody reads it.
 bool allocateMessage(IoBuffer* message, unsigned int total, unsigned long long sent) {
   message->data = static_cast<unsigned char*>(sent == total ? malloc(total) : calloc(total, 1));
   if (message->data == nullptr && total > 0) return false;
@@ -48,9 +49,9 @@ void ChannelManager::messageToFrames(int channel, bool control, void* data, unsi
   }
 }
 
-int ChannelManager::checkFragment(const shared_ptr<Frame>& frame, shared_ptr<Channel>* channel, bool* acceptable,
-                                  bool* complete) {
-  const shared_ptr<Channel> source = channelAt(frame->channelId);
+int ChannelManager::checkFragment(const shared_ptr<Frame>& frame, shared_ptr<Channel>* channel,
+                                  bool* acceptable, bool* complete) {
+  shared_ptr<Channel> source = channelAt(frame->channelId);
   if (!source) {
     *acceptable = false;
     return STATUS_FRAMING_ERROR;
@@ -76,21 +77,21 @@ int ChannelManager::checkFragment(const shared_ptr<Frame>& frame, shared_ptr<Cha
     *acceptable = false;
     return STATUS_FRAMING_ERROR;
   }
-  *channel = source;
+  *channel = std::move(source);
   return STATUS_SUCCESS;
 }
 
 shared_ptr<IoBuffer> ChannelManager::framesToMessage(const shared_ptr<Channel>& source) {
-  const unsigned long long sent = source->incomingLength();
   shared_ptr<Frame> frame = source->dequeueIncoming();
   if (frame->kind() == FRAME_ATOMIC) {
-    const shared_ptr<IoBuffer> message = frame->buffer;
+    shared_ptr<IoBuffer> message = std::move(frame->buffer);
     message->start = static_cast<unsigned int>(frame->payload - message->data);
     message->end = message->start + frame->length;
     return message;
   }
 
-  const shared_ptr<IoBuffer> message(new IoBuffer());
+  const unsigned long long sent = frame->length + source->incomingLength();
+  shared_ptr<IoBuffer> message(new IoBuffer());
   if (!allocateMessage(&*message, frame->totalLength, sent)) return shared_ptr<IoBuffer>();
   unsigned char* cursor = message->data;
   for (;;) {

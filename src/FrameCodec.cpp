@@ -51,15 +51,15 @@ int ChannelManager::decodeFrame(const shared_ptr<Frame>& frame, const shared_ptr
 }
 
 bool ChannelManager::decryptInPlace(Frame* frame, SslWrapper* wrapper) {
-  if (wrapper->decryptionPipelineEnqueue(frame->payload, frame->length) < 1) {
+  int count = wrapper->decryptionPipelineEnqueue(frame->payload, frame->length);
+  if (count < 1) {
     print_critical_i("[LHU] Failed to enqueue into decryption pipeline!");
     return false;
   }
   unsigned char* cursor = frame->payload;
   const unsigned char* const limit = frame->payload + frame->length;
   frame->length = 0;
-  int count;
-  while ((count = wrapper->decryptionPipelinePending()) > 0) {
+  for (; count > 0; count = wrapper->decryptionPipelinePending()) {
     if (count > limit - cursor) count = static_cast<int>(limit - cursor);
     count = wrapper->decryptionPipelineDequeue(cursor, static_cast<unsigned int>(count));
     if (count < 1) break;

@@ -102,7 +102,11 @@ int SslWrapper::decryptionPipelineEnqueue(void* data, unsigned int length) {
   return decryptionPipelinePending();
 }
 
-int SslWrapper::decryptionPipelinePending() { return static_cast<int>(BIO_pending(sslBio)); }
+int SslWrapper::decryptionPipelinePending() {
+  // What BIO_pending(sslBio) tells, by a shorter way: plaintext of the record under way, else ciphertext.
+  const int plain = SSL_pending(ssl);
+  return plain != 0 ? plain : static_cast<int>(BIO_pending(readBio));
+}
 
 int SslWrapper::decryptionPipelineDequeue(void* data, unsigned int length) {
   bool retry = false;
@@ -117,8 +121,8 @@ int SslWrapper::decryptionPipelineDequeue(void* data, unsigned int length) {
     int line = 0;
     const unsigned long failure = ERR_get_error_all(&file, &line, nullptr, nullptr, nullptr);
     const int sslError = SSL_get_error(ssl, count);
-    print_critical_i("[LHU] Detailed error=%s file=%s line=%d sslError=%d", ERR_error_string(failure, nullptr),
-                     file == nullptr ? "" : file, line, sslError);
+    print_critical_i("[LHU] Detailed error=%s file=%s line=%d sslError=%d",
+                     ERR_error_string(failure, nullptr), file == nullptr ? "" : file, line, sslError);
     if (!BIO_should_retry(sslBio)) return count;
     retry = sslError != SSL_ERROR_WANT_READ;
     if (!retry) return count;

@@ -7,8 +7,8 @@ scripts=$1 source=$2
 cd "$tmp"
 
 mkdir -p scripts tests/scripts .ci src include apps/phone apps/headunit build/release/proto/generated
-cp "$scripts/lint" "$scripts/common.sh" "$scripts/.shellcheckrc" scripts/
-cp "$source/.clang-format" .
+cp "$scripts/lint" "$scripts/common.sh" scripts/
+cp "$source/.clang-format" "$source/.shellcheckrc" .
 printf '#!/usr/bin/env bash\ntrue\n' >scripts/build
 chmod +x scripts/build
 git init -q . && git config user.name nobody && git config user.email nobody@localhost

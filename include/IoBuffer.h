@@ -25,7 +25,8 @@ class VANTRY_EXPORT IoBuffer {
   IoBuffer(const IoBuffer&) = delete;
   IoBuffer& operator=(const IoBuffer&) = delete;
 
-  /// Replaces the storage by `size` bytes, all of them content, their values undefined. Old content is lost.
+  /// Replaces the storage by `size` bytes, all of them content, their values undefined. Old content is lost. Storage
+  /// that has the size already is kept.
   void resize(unsigned int size);
 
   /// First byte of the content; null in an empty buffer.

@@ -7,8 +7,12 @@ IoBuffer::~IoBuffer() {
 }
 
 void IoBuffer::resize(unsigned int size) {
-  free(data);
-  allocate(size);
+  if (data == nullptr || capacity != size) {
+    free(data);
+    allocate(size);
+  }
+  start = 0;
+  end = size;
 }
 
 void IoBuffer::allocate(unsigned int size) {

@@ -8,6 +8,7 @@ namespace {
 // A damaged packet gives one failure, or a few; a decoder that fails on and on without asking for more input
 // is broken for good.
 constexpr int MOST_FAILURES = 100;
+constexpr int LARGE_PICTURE = 1000 * 1000;  // in pixels, from which one core is not enough at 30 a second
 
 CodecPtr openDecoder(const std::string& path, const AVStream& stream, std::string* error) {
   const AVCodec* decoder = avcodec_find_decoder(stream.codecpar->codec_id);
@@ -19,7 +20,9 @@ CodecPtr openDecoder(const std::string& path, const AVStream& stream, std::strin
   CodecPtr codec(avcodec_alloc_context3(decoder));
   int result = avcodec_parameters_to_context(codec.get(), stream.codecpar);
   codec->pkt_timebase = stream.time_base;
-  codec->thread_count = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO ? 2 : 1;
+  // The encoder that follows needs the other core; only large pictures need both in turn.
+  codec->thread_count =
+      std::int64_t{stream.codecpar->width} * stream.codecpar->height >= LARGE_PICTURE ? 2 : 1;
   if (result >= 0) result = avcodec_open2(codec.get(), decoder, nullptr);
   if (result < 0) {
     const bool nonsense = result == AVERROR(EINVAL) || result == AVERROR_INVALIDDATA;

@@ -10,6 +10,11 @@ namespace {
 // A stream that has fallen behind by more goes on from where it is, rather than rush to catch up.
 constexpr Micros patience = 500'000;
 
+// A head unit may allow any number of unacknowledged messages; what the connection has not taken yet is not
+// allowed to grow with it.
+constexpr std::size_t mostWaiting = std::size_t{1} << 20;
+constexpr Micros waitForOutput = 1000;
+
 }  // namespace
 
 MediaStream::MediaStream(PhoneLink* link, Timers* timers, StreamOptions options, Opener opener, Done done)
@@ -121,7 +126,18 @@ void MediaStream::onAck(const Message& message) {
 // ---- Sending ----
 
 void MediaStream::pump() {
-  while (state_ == State::streaming && fetch() && !waitsForItsTime()) sendUnit();
+  while (state_ == State::streaming && hasRoom() && fetch() && !waitsForItsTime()) sendUnit();
+}
+
+bool MediaStream::hasRoom() {
+  if (link_->outputSize() < mostWaiting) return true;
+  pumpAt(timers_->now() + waitForOutput);
+  return false;
+}
+
+void MediaStream::pumpAt(Micros due) {
+  if (pace_) timers_->cancel(*pace_);
+  pace_ = timers_->at(due, [this] { pump(); });
 }
 
 // A unit is asked for as late as possible, so that a live picture is as fresh as it can be.
@@ -144,8 +160,7 @@ bool MediaStream::waitsForItsTime() {
   if (!epoch_ || now - (*epoch_ + next_->due) > patience) epoch_ = now - next_->due;
   const Micros due = *epoch_ + next_->due;
   if (due <= now) return false;
-  if (pace_) timers_->cancel(*pace_);
-  pace_ = timers_->at(due, [this] { pump(); });
+  pumpAt(due);
   return true;
 }
 

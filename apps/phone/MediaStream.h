@@ -73,6 +73,8 @@ class MediaStream : public ChannelHandler {
   void onAck(const Message& message);
   void begin(std::uint32_t index);
   void pump();
+  bool hasRoom();
+  void pumpAt(Micros due);
   bool fetch();
   bool waitsForItsTime();
   void sendUnit();

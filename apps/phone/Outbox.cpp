@@ -6,8 +6,10 @@ namespace phone {
 
 void Outbox::add(Frame frame, bool encipher) {
   if (!interleaves_) return settle(std::move(frame), encipher);
-  queues_[frame.channel].push_back({std::move(frame), encipher});
   ++waiting_;
+  waitingBytes_ += frame.payload.size();
+  std::deque<Waiting>& queue = queues_[frame.channel];
+  queue.push_back({std::move(frame), encipher});
 }
 
 void Outbox::addBytes(const Bytes& bytes) {
@@ -34,6 +36,7 @@ void Outbox::settleNext() {
   Waiting next = std::move(queues_[lastChannel_].front());
   queues_[lastChannel_].pop_front();
   --waiting_;
+  waitingBytes_ -= next.frame.payload.size();
   settle(std::move(next.frame), next.encipher);
 }
 

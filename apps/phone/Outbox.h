@@ -22,6 +22,8 @@ class Outbox {
   void addBytes(const Bytes& bytes);
 
   bool empty() const { return ready_.empty() && waiting_ == 0; }
+  /// Bytes that wait, give or take what headers and enciphering add to frames whose turn has not come.
+  std::size_t size() const { return ready_.size() + waitingBytes_; }
   Bytes take(std::size_t enough);
 
  private:
@@ -36,7 +38,8 @@ class Outbox {
   TlsServer* tls_;
   Bytes ready_;
   std::array<std::deque<Waiting>, 256> queues_;
-  std::size_t waiting_ = 0;
+  std::size_t waiting_ = 0;  ///< Frames in the queues.
+  std::size_t waitingBytes_ = 0;
   std::size_t lastChannel_ = 255;
 };
 

@@ -39,6 +39,8 @@ class PhoneLink {
   /// Still gives what is left after the link has ended (an alert, a ByeByeResponse).
   Bytes takeOutput(std::size_t enough = SIZE_MAX);
   bool hasOutput() const { return !outbox_.empty(); }
+  /// About how many bytes takeOutput() has to give. Nothing limits it but those who send.
+  std::size_t outputSize() const { return outbox_.size(); }
 
   /// The stream from the head unit is at its end, or broke: `problem` tells how, empty means a plain end.
   /// Ends the link, cleanly only if bye-bye had been said.

@@ -126,8 +126,7 @@ int runLink(const Options& options, Credentials credentials, std::unique_ptr<Vid
     return exitClean;
   }
 
-  Timers timers;
-  timers.advance(steadyNow());
+  Timers timers(steadyNow);
   PhoneLink link(linkOptions(std::move(credentials)));
   Console console(&link, &timers);
   PhoneSession session(&link, &timers, sessionOptions(options), videoFactory(options, std::move(video)));

@@ -151,6 +151,19 @@ TEST_F(PhoneMediaStream, NeverHasMoreUnacknowledgedThanAllowed) {
   EXPECT_EQ(stream().stats().mostUnacknowledged, 2u);
 }
 
+TEST_F(PhoneMediaStream, DoesNotPileUpWhatTheConnectionDoesNotTake) {
+  feed->count = 10'000'000;
+  start(4'000'000'000);
+  const std::uint64_t before = stream().stats().units;
+  EXPECT_LT(link.outputSize(), 2u << 20);
+  timers.advance(1000);
+  EXPECT_EQ(stream().stats().units, before);
+  headUnit.hears();
+  timers.advance(2000);
+  EXPECT_GT(stream().stats().units, before);
+  EXPECT_LT(link.outputSize(), 2u << 20);
+}
+
 TEST_F(PhoneMediaStream, AcknowledgementsOfAnotherSessionDoNotCount) {
   start(1);
   headUnit.hears();

@@ -52,6 +52,19 @@ TEST(PhoneOutbox, AnInterleavingOneStopsAtEnoughSoThatALaterFrameComesEarly) {
   EXPECT_FALSE(outbox.empty());
 }
 
+TEST(PhoneOutbox, TellsHowMuchWaits) {
+  Outbox outbox(true, nullptr);
+  EXPECT_EQ(outbox.size(), 0u);
+  outbox.add(small(7, 1), true);
+  outbox.add(small(7, 2), true);
+  EXPECT_EQ(outbox.size(), 2u);
+  outbox.addBytes(bytes("EE"));
+  EXPECT_EQ(outbox.size(), 11u);
+  outbox.take(SIZE_MAX);
+  EXPECT_EQ(outbox.size(), 0u);
+  EXPECT_TRUE(outbox.empty());
+}
+
 TEST(PhoneOutbox, RawBytesWaitForWhatWasAddedBefore) {
   Outbox outbox(true, nullptr);
   outbox.add(small(7, 1), true);

@@ -65,6 +65,21 @@ TEST_F(PhoneTimers, ACallThatRenewsItselfAtOnceIsMadeOnceAnAdvance) {
   EXPECT_EQ(calls, "rar");
 }
 
+phone::Micros fineClock() {
+  static phone::Micros ticks = 100;
+  return ++ticks;
+}
+
+TEST_F(PhoneTimers, WithAClockOfItsOwnNowGoesOnBetweenAdvances) {
+  Timers live(fineClock);
+  EXPECT_EQ(live.now(), 101);
+  EXPECT_EQ(live.after(10, [this] { calls += 'a'; }).first, 112);
+  live.advance(111);
+  EXPECT_EQ(calls, "");
+  live.advance(112);
+  EXPECT_EQ(calls, "a");
+}
+
 TEST_F(PhoneTimers, TheClockNeverGoesBack) {
   timers.advance(50);
   timers.advance(20);

@@ -128,7 +128,7 @@ bool ChannelManager::getEncodedFrame(IoBuffer* out) {
 bool ChannelManager::extractEncodedFrame(IoBuffer* out) {
   const shared_ptr<Channel> channel = nextChannelToServe();
   if (!channel) return false;
-  encodeFrame(channel->dequeueOutgoing(), out);
+  encodeFrame(channel->dequeueOutgoing(), out);  // only this thread takes frames, so there still is one
   return true;
 }
 

@@ -72,7 +72,6 @@ bool ChannelManager::decryptInPlace(Frame* frame, SslWrapper* wrapper) {
 }
 
 void ChannelManager::encodeFrame(const shared_ptr<Frame>& frame, IoBuffer* out) {
-  if (!frame) return;  // the channel was closed between the choice and now
   const unsigned int header = frame->totalLength != 0 ? LONG_HEADER : SHORT_HEADER;
   SslWrapper* const wrapper = frame->has(FRAME_FLAG_ENCRYPTED) ? sslWrapper.load() : nullptr;
   int size = frame->length;

@@ -1,0 +1,89 @@
+#include "headunit/Credentials.h"
+
+#include <openssl/pem.h>
+#include <openssl/x509.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+namespace headunit {
+namespace {
+
+constexpr const char* ADVICE = "; scripts/make-credentials DIR makes a complete set";
+
+struct Free {
+  void operator()(BIO* bio) const { BIO_free(bio); }
+  void operator()(X509* certificate) const { X509_free(certificate); }
+  void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
+};
+template <class T>
+using Owned = std::unique_ptr<T, Free>;
+
+Owned<X509> parseCertificate(const std::string& pem) {
+  const Owned<BIO> source(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
+  return Owned<X509>(PEM_read_bio_X509(source.get(), nullptr, nullptr, nullptr));
+}
+
+Owned<EVP_PKEY> parseKey(const std::string& pem) {
+  const Owned<BIO> source(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
+  char noPassphrase[] = "";  // otherwise OpenSSL asks for one on the terminal
+  return Owned<EVP_PKEY>(PEM_read_bio_PrivateKey(source.get(), nullptr, nullptr, noPassphrase));
+}
+
+bool readFile(const std::string& path, std::string* text, std::string* error) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream content;
+  if (file) content << file.rdbuf();
+  if (!file || content.str().empty()) {
+    *error = "cannot read " + path + ": " + (errno != 0 ? std::strerror(errno) : "it is empty") + ADVICE;
+    return false;
+  }
+  *text = content.str();
+  return true;
+}
+
+// Why no link can use them, in words; empty if one can.
+std::string fault(const Credentials& credentials, const std::string& folder) {
+  if (!parseCertificate(credentials.root)) return folder + "/root.pem holds no certificate";
+  const Owned<X509> certificate = parseCertificate(credentials.certificate);
+  if (!certificate) return folder + "/headunit.pem holds no certificate";
+  const Owned<EVP_PKEY> key = parseKey(credentials.key);
+  if (!key) return folder + "/headunit.key holds no private key that can be read without a passphrase";
+  if (X509_check_private_key(certificate.get(), key.get()) != 1) {
+    return folder + "/headunit.key does not belong to " + folder + "/headunit.pem";
+  }
+  return {};
+}
+
+}  // namespace
+
+std::optional<Credentials> loadCredentials(const std::string& folder, std::string* error) {
+  Credentials credentials;
+  errno = 0;
+  const bool complete = readFile(folder + "/root.pem", &credentials.root, error) &&
+                        readFile(folder + "/headunit.pem", &credentials.certificate, error) &&
+                        readFile(folder + "/headunit.key", &credentials.key, error);
+  if (!complete) return {};
+  *error = fault(credentials, folder);
+  if (error->empty()) return credentials;
+  *error += ADVICE;
+  return {};
+}
+
+std::string doubtsAbout(const Credentials& credentials) {
+  const Owned<X509> root = parseCertificate(credentials.root);
+  const Owned<X509> certificate = parseCertificate(credentials.certificate);
+  if (X509_cmp_current_time(X509_get0_notAfter(certificate.get())) < 0) return "headunit.pem has expired";
+  if (X509_cmp_current_time(X509_get0_notBefore(certificate.get())) > 0) {
+    return "headunit.pem is not valid yet; is the clock right?";
+  }
+  if (X509_verify(certificate.get(), X509_get0_pubkey(root.get())) != 1) {
+    return "headunit.pem is not signed by root.pem";
+  }
+  return {};
+}
+
+}  // namespace headunit

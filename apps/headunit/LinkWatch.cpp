@@ -1,0 +1,104 @@
+#include "headunit/LinkWatch.h"
+
+#include <algorithm>
+
+namespace headunit {
+namespace {
+
+std::string seconds(milliseconds duration) { return std::to_string(duration.count() / 1000) + " s"; }
+
+}  // namespace
+
+void LinkWatch::leaving(const std::string& why, TimePoint now) {
+  leftBecause_ = why;
+  leftAt_ = now;
+}
+
+LinkWatch::Verdict LinkWatch::look(const LinkView& view, TimePoint now) {
+  lookAgain_ = now + limits_.pingEvery;
+  Verdict verdict;
+  verdict.end = endOf(view, now);
+  if (view.news.authentication && hasPassed(lastPing_, limits_.pingEvery, now)) {
+    verdict.ping = true;
+    lastPing_ = now;
+  }
+  verdict.lookAgain = lookAgain_;
+  return verdict;
+}
+
+// Whether `limit` is over since `since`; if not, the next look comes no later than that.
+bool LinkWatch::hasPassed(TimePoint since, milliseconds limit, TimePoint now) {
+  const TimePoint deadline = since + limit;
+  if (now >= deadline) return true;
+  lookAgain_ = std::min(lookAgain_, deadline);
+  return false;
+}
+
+// The same for a moment that begins with the first call.
+bool LinkWatch::isOver(std::optional<TimePoint>* since, milliseconds limit, TimePoint now) {
+  if (!*since) *since = now;
+  return hasPassed(**since, limit, now);
+}
+
+std::optional<LinkEnd> LinkWatch::endOf(const LinkView& view, TimePoint now) {
+  const LinkNews& news = view.news;
+  if (news.stopped) return endOfStopped(view);
+  if (news.beyondRepair) {
+    const bool refused = news.authentication.value_or(0) != 0;
+    if (!refused) return explainBrokenStream(view.logLines);
+    if (isOver(&beyondRepairAt_, limits_.lastWord, now)) return explainAuthenticationFailure(view.logLines);
+    return {};
+  }
+  if (leftAt_) {
+    if (news.phoneAnsweredBye) return LinkEnd::cleanly(leftBecause_);
+    if (hasPassed(*leftAt_, limits_.goodbye, now)) return LinkEnd::cleanly(leftBecause_ + " (it did not say good-bye)");
+    return {};
+  }
+  if (news.phoneSaidBye) {
+    if (isOver(&phoneLeftAt_, limits_.hangUp, now)) return LinkEnd::cleanly("the phone said good-bye");
+    return {};
+  }
+  if (!news.authentication) {
+    if (hasPassed(started_, limits_.handshake, now)) return handshakeTimeout(view);
+    return {};
+  }
+  if (hasPassed(view.lastHeard, limits_.silence, now)) {
+    return LinkEnd{false, "phone", "nothing has come from it for " + seconds(limits_.silence) + ", not even to a ping",
+                   "check that it still runs and that the connection stands"};
+  }
+  if (view.failingSince && hasPassed(*view.failingSince, limits_.undecodable, now)) {
+    return LinkEnd{false, "phone", "for " + seconds(limits_.undecodable) + " no picture could be decoded of its video",
+                   "check that it sends H.264 and that its file is whole"};
+  }
+  return {};
+}
+
+LinkEnd LinkWatch::endOfStopped(const LinkView& view) const {
+  const LinkNews& news = view.news;
+  if (news.phoneSaidBye) return LinkEnd::cleanly("the phone said good-bye");
+  if (leftAt_) return LinkEnd::cleanly(leftBecause_);
+  if (news.beyondRepair && news.authentication.value_or(0) != 0) return explainAuthenticationFailure(view.logLines);
+  if (news.beyondRepair || view.brokenBy.empty()) return explainBrokenStream(view.logLines);
+  if (news.authentication) {
+    return {false, "phone", "it went away without a good-bye (" + view.brokenBy + ")",
+            "see its own messages for the reason"};
+  }
+  return {false, "phone", "it went away before the handshake was done (" + view.brokenBy + ")",
+          "see its own messages; it may have refused this head unit's certificate"};
+}
+
+LinkEnd LinkWatch::handshakeTimeout(const LinkView& view) const {
+  const std::string limit = " within " + seconds(limits_.handshake);
+  if (view.lastHeard <= started_) {
+    return {false, "phone", "it said nothing" + limit, "check that a phone is what connects to this port"};
+  }
+  const bool answered = std::any_of(view.logLines.begin(), view.logLines.end(), [](const std::string& line) {
+    return line.find("Phone reported version") != std::string::npos;
+  });
+  if (answered && !view.news.versionAccepted) {
+    return {false, "phone", "it refused version 1.0 of the protocol", "update the phone's software"};
+  }
+  return {false, "phone", "it did not finish the handshake" + limit, "connect it again"};
+}
+
+}  // namespace headunit

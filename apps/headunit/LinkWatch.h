@@ -1,0 +1,66 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "headunit/Clock.h"
+#include "headunit/LinkEnd.h"
+#include "headunit/LinkJournal.h"
+
+namespace headunit {
+
+/// How long the head unit waits for a phone.
+struct LinkLimits {
+  milliseconds handshake{4000};
+  milliseconds silence{4000};    ///< after the handshake, pings included
+  milliseconds pingEvery{1000};
+  milliseconds goodbye{1500};    ///< for the answer to our good-bye
+  milliseconds hangUp{1000};     ///< for the phone to close the connection after its own
+  milliseconds lastWord{300};    ///< for an AuthResponse that says no to get out
+  milliseconds undecodable{4000};
+};
+
+/// All that is known of a link at one moment.
+struct LinkView {
+  LinkNews news;
+  TimePoint lastHeard;                    ///< when bytes last came
+  std::string brokenBy;                   ///< why the byte stream ended by itself; empty while it has not
+  std::optional<TimePoint> failingSince;  ///< frames come, but no pictures of them
+  std::vector<std::string> logLines;      ///< the library's latest
+};
+
+/// Decides when a link is over and when to ping, knowing no threads and no clock.
+class LinkWatch {
+ public:
+  LinkWatch(TimePoint started, LinkLimits limits) : limits_(limits), started_(started), lastPing_(started) {}
+
+  struct Verdict {
+    std::optional<LinkEnd> end;
+    bool ping = false;
+    TimePoint lookAgain;  ///< at the latest; any news is a reason to look sooner
+  };
+  Verdict look(const LinkView& view, TimePoint now);
+
+  /// We have said good-bye, for the reason given.
+  void leaving(const std::string& why, TimePoint now);
+  bool isLeaving() const { return leftAt_.has_value(); }
+
+ private:
+  std::optional<LinkEnd> endOf(const LinkView& view, TimePoint now);
+  LinkEnd endOfStopped(const LinkView& view) const;
+  LinkEnd handshakeTimeout(const LinkView& view) const;
+  bool isOver(std::optional<TimePoint>* since, milliseconds limit, TimePoint now);
+  bool hasPassed(TimePoint since, milliseconds limit, TimePoint now);
+
+  const LinkLimits limits_;
+  const TimePoint started_;
+  TimePoint lastPing_;
+  std::string leftBecause_;
+  std::optional<TimePoint> leftAt_;
+  std::optional<TimePoint> phoneLeftAt_;
+  std::optional<TimePoint> beyondRepairAt_;
+  TimePoint lookAgain_;
+};
+
+}  // namespace headunit

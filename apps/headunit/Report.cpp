@@ -1,0 +1,81 @@
+#include "headunit/Report.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+namespace headunit {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+double seconds(microseconds duration) { return static_cast<double>(duration.count()) / 1e6; }
+double milli(microseconds duration) { return static_cast<double>(duration.count()) / 1e3; }
+
+Json spread(const Latency& latency) {
+  if (latency.count == 0) return nullptr;
+  return {{"p50", latency.p50.count()},
+          {"p99", latency.p99.count()},
+          {"max", latency.longest.count()},
+          {"count", latency.count}};
+}
+
+Json linkFigures(const LinkRecord& record) {
+  const std::optional<microseconds> handshake = record.stats->handshake();
+  return {{"handshake_ms", handshake ? Json(milli(*handshake)) : Json(nullptr)},
+          {"duration_s", seconds(record.duration)},
+          {"bytes_received", record.bytesRead},
+          {"bytes_sent", record.bytesWritten},
+          {"ping_us", spread(record.stats->pings())}};
+}
+
+Json videoFigures(const LinkStats& stats) {
+  const VideoTotals totals = stats.totals();
+  const double streamed = seconds(stats.streamed());
+  const bool ran = totals.frames > 1 && streamed > 0;
+  return {{"frames", totals.frames},
+          {"bytes", totals.bytes},
+          {"decoded", totals.decoded},
+          {"shown", totals.shown},
+          {"dropped", totals.dropped},
+          {"damaged", totals.damaged},
+          {"refused", totals.refused},
+          {"width", totals.width},
+          {"height", totals.height},
+          {"seconds", streamed},
+          {"frames_per_s", ran ? Json(static_cast<double>(totals.frames - 1) / streamed) : Json(nullptr)},
+          {"mbit_per_s", ran ? Json(static_cast<double>(totals.bytes) * 8 / 1e6 / streamed) : Json(nullptr)}};
+}
+
+Json latencyFigures(const VideoLatencies& latencies) {
+  return {{"socket_to_received", spread(latencies.socketToReceived)},
+          {"received_to_dequeued", spread(latencies.receivedToDequeued)},
+          {"dequeued_to_decoded", spread(latencies.dequeuedToDecoded)},
+          {"socket_to_decoded", spread(latencies.socketToDecoded)},
+          {"decoded_to_shown", spread(latencies.decodedToShown)}};
+}
+
+}  // namespace
+
+std::string toJson(const LinkRecord& record) {
+  Json figures;
+  figures["link"] = linkFigures(record);
+  figures["video"] = videoFigures(*record.stats);
+  figures["latency_us"] = latencyFigures(record.stats->latencies());
+  figures["end"] = {{"clean", record.end.clean}, {"words", record.end.words()}};
+  // The words may hold what a phone made up; that must not make the file unwritable.
+  return figures.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+bool writeReport(const LinkRecord& record, const std::string& path, std::string* error) {
+  errno = 0;
+  std::ofstream file(path, std::ios::trunc);
+  file << toJson(record);
+  file.close();
+  if (file) return true;
+  *error = "cannot write " + path + ": " + std::strerror(errno);
+  return false;
+}
+
+}  // namespace headunit

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "headunit/LinkEnd.h"
+#include "headunit/LinkStats.h"
+
+namespace headunit {
+
+/// What is known of a link once it has ended.
+struct LinkRecord {
+  std::shared_ptr<LinkStats> stats;
+  LinkEnd end;
+  std::uint64_t bytesRead = 0;
+  std::uint64_t bytesWritten = 0;
+  microseconds duration{0};
+};
+
+/// As it goes into the statistics file: JSON with one value or one brace a line, each duration and rate with its unit
+/// at the end of its name.
+std::string toJson(const LinkRecord& record);
+
+/// Returns false, with the reason in `*error`, if the file cannot be written whole.
+bool writeReport(const LinkRecord& record, const std::string& path, std::string* error);
+
+}  // namespace headunit

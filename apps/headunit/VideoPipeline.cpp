@@ -1,0 +1,75 @@
+#include "headunit/VideoPipeline.h"
+
+#include <spdlog/spdlog.h>
+
+namespace headunit {
+namespace {
+
+constexpr std::size_t QUEUE_LIMIT = 256;
+constexpr std::uint64_t FAULTS_TOLD = 3;  // a damaged stream has one in each frame
+
+}  // namespace
+
+VideoPipeline::VideoPipeline(std::unique_ptr<VideoDecoder> decoder, Ends ends)
+    : ends_(std::move(ends)), decoder_(std::move(decoder)), queue_(QUEUE_LIMIT), thread_([this] { run(); }) {}
+
+void VideoPipeline::configure(CodecConfig config) { queue_.push(std::move(config)); }
+
+void VideoPipeline::receive(VideoFrame frame) {
+  ends_.stats->received(frame);
+  const int session = frame.session;
+  if (queue_.push(std::move(frame))) return;
+  ends_.stats->refused();
+  ends_.acknowledge(session, 1);
+}
+
+void VideoPipeline::finish() {
+  queue_.close();
+  if (thread_.joinable()) thread_.join();
+}
+
+std::optional<TimePoint> VideoPipeline::failingSince() const {
+  const Clock::rep since = failingSince_;
+  if (since == 0) return {};
+  return TimePoint(Clock::duration(since));
+}
+
+void VideoPipeline::run() {
+  for (VideoItem item; queue_.pop(&item); item = CodecConfig()) {  // a frame is not held on to while none comes
+    if (auto* const config = std::get_if<CodecConfig>(&item)) {
+      decoder_->configure(*config);
+    } else {
+      decode(std::move(std::get<VideoFrame>(item)));
+    }
+  }
+  decoder_->finish([this](Picture picture) { show(std::move(picture)); });
+}
+
+void VideoPipeline::decode(VideoFrame frame) {
+  frame.times.dequeued = Clock::now();
+  const int session = frame.session;
+  const std::string fault =
+      decoder_->decode(std::move(frame), [this](Picture picture) { show(std::move(picture)); });
+  if (!fault.empty()) remark(fault);
+  ends_.acknowledge(session, 1);
+}
+
+void VideoPipeline::show(Picture picture) {
+  failingSince_ = 0;
+  if (!ends_.budget->spend()) return;
+  picture.stats = ends_.stats;
+  ends_.stats->decoded(picture.times, picture.width, picture.height);
+  if (ends_.slot->put(std::move(picture))) ends_.stats->dropped();
+  if (ends_.budget->exhausted()) ends_.changed();
+}
+
+void VideoPipeline::remark(const std::string& fault) {
+  ends_.stats->damaged();
+  if (failingSince_ == 0) failingSince_ = Clock::now().time_since_epoch().count();
+  ends_.changed();
+  if (++faults_ > FAULTS_TOLD) return;
+  spdlog::warn("The phone's video is damaged: {}{}", fault,
+               faults_ == FAULTS_TOLD ? " (further damage is only counted)" : "");
+}
+
+}  // namespace headunit

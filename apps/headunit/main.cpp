@@ -1,0 +1,103 @@
+#include <signal.h>
+#include <spdlog/spdlog.h>
+#include <sys/signalfd.h>
+
+#include <exception>
+#include <thread>
+
+#include "headunit/Options.h"
+#include "headunit/Screen.h"
+#include "headunit/Server.h"
+#include "headunit/media/FfmpegDecoder.h"
+#include "headunit/media/Png.h"
+#include "headunit/media/Window.h"
+#include "headunit/program/HostLog.h"
+
+namespace headunit {
+namespace {
+
+constexpr int WRONG_USAGE = 1;
+
+// No thread takes these signals by itself; they are read from a descriptor where there is time for them.
+FileDescriptor signalsToEndBy() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGTERM);
+  sigaddset(&signals, SIGHUP);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+/// The last picture shown, wherever it is wanted.
+bool writeSnapshot(const Options& options, const Screen& screen) {
+  const std::optional<Picture> picture = screen.lastShown();
+  if (options.snapshot.empty() || !picture) return true;
+  std::string error;
+  if (writePng(*picture, options.snapshot, &error)) return true;
+  spdlog::error("{}.", error);
+  return false;
+}
+
+int runWith(const Options& options, Server* server, Screen* screen, PictureSlot* slot) {
+  server->afterLink([&] { writeSnapshot(options, *screen); });
+  int status = 0;
+  std::thread serving([&] {
+    status = server->run();
+    slot->close();
+  });
+  screen->run();
+  serving.join();
+  const bool written = server->writeStatistics() & writeSnapshot(options, *screen);
+  return status == 0 && !written ? WRONG_USAGE : status;
+}
+
+int run(const Options& options) {
+  Equipment equipment;
+  std::string error;
+  const std::optional<Credentials> credentials = loadCredentials(options.credentials, &error);
+  if (!credentials) {
+    spdlog::error("The credentials cannot be used: {}.", error);
+    return WRONG_USAGE;
+  }
+  if (const std::string doubts = doubtsAbout(*credentials); !doubts.empty()) {
+    spdlog::warn("The phone may refuse this head unit: {}.", doubts);
+  }
+  PictureSlot slot;
+  FrameBudget budget(options.exitAfterFrames);
+  equipment.credentials = *credentials;
+  equipment.makeDecoder = [] { return std::make_unique<FfmpegDecoder>(); };
+  equipment.slot = &slot;
+  equipment.budget = &budget;
+  equipment.libraryLines = &libraryLines();
+  const FileDescriptor signals = signalsToEndBy();
+  Server server(options, equipment, signals.get());
+  if (options.headless) {
+    HeadlessScreen screen(&slot);
+    return runWith(options, &server, &screen, &slot);
+  }
+  Window window(&slot, [&server] { server.quit(); });
+  if (!window.open(&error)) {
+    spdlog::error("Cannot open a window: {}; without a display, use --headless.", error);
+    return WRONG_USAGE;
+  }
+  slot.whenChanged([&window] { window.wake(); });
+  return runWith(options, &server, &window, &slot);
+}
+
+}  // namespace
+}  // namespace headunit
+
+int main(int argc, char** argv) {
+  int exitStatus = 0;
+  const std::optional<headunit::Options> options = headunit::parseOptions(argc, argv, &exitStatus);
+  if (!options) return exitStatus;
+  headunit::setUpLog(options->verbose);
+  headunit::quietenFfmpeg();
+  try {
+    return headunit::run(*options);
+  } catch (const std::exception& error) {
+    spdlog::critical("The head unit cannot go on: {}.", error.what());
+    return 1;
+  }
+}

@@ -1,0 +1,93 @@
+#include "headunit/media/Window.h"
+
+#include <SDL.h>
+
+#include "headunit/Layout.h"
+
+namespace headunit {
+namespace {
+
+constexpr int FIRST_WIDTH = 1280;
+constexpr int FIRST_HEIGHT = 720;
+
+}  // namespace
+
+Window::~Window() {
+  if (texture_ != nullptr) SDL_DestroyTexture(texture_);
+  if (renderer_ != nullptr) SDL_DestroyRenderer(renderer_);
+  if (window_ != nullptr) SDL_DestroyWindow(window_);
+  SDL_QuitSubSystem(SDL_INIT_VIDEO);
+}
+
+bool Window::open(std::string* error) {
+  SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
+  SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "0");
+  if (SDL_InitSubSystem(SDL_INIT_VIDEO) == 0) {
+    wakeEvent_ = SDL_RegisterEvents(1);
+    window_ = SDL_CreateWindow("vantry-headunit", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, FIRST_WIDTH,
+                               FIRST_HEIGHT, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+    if (window_ != nullptr) renderer_ = SDL_CreateRenderer(window_, -1, SDL_RENDERER_PRESENTVSYNC);
+  }
+  if (renderer_ != nullptr) return true;
+  *error = SDL_GetError();
+  return false;
+}
+
+void Window::wake() {
+  SDL_Event event{};
+  event.type = wakeEvent_;
+  SDL_PushEvent(&event);
+}
+
+void Window::run() {
+  draw();
+  SDL_Event event;
+  while (!slot_->isClosed() && SDL_WaitEvent(&event) == 1) {
+    bool redraw = false;
+    do {
+      if (event.type == SDL_QUIT) closed_();
+      redraw = redraw || event.type == SDL_WINDOWEVENT;
+    } while (SDL_PollEvent(&event) == 1);
+    takePicture();
+    if (redraw) draw();
+  }
+  takePicture();
+}
+
+void Window::takePicture() {
+  std::optional<Picture> picture = slot_->take();
+  if (!picture || !fitTexture(*picture)) return;
+  SDL_UpdateYUVTexture(texture_, nullptr, picture->planes[0].data, picture->planes[0].stride, picture->planes[1].data,
+                       picture->planes[1].stride, picture->planes[2].data, picture->planes[2].stride);
+  draw();
+  nowShows(std::move(*picture));
+}
+
+bool Window::fitTexture(const Picture& picture) {
+  SDL_SetYUVConversionMode(picture.fullRange ? SDL_YUV_CONVERSION_JPEG
+                           : picture.bt709   ? SDL_YUV_CONVERSION_BT709
+                                             : SDL_YUV_CONVERSION_BT601);
+  if (texture_ != nullptr && picture.width == width_ && picture.height == height_) return true;
+  if (texture_ != nullptr) SDL_DestroyTexture(texture_);
+  texture_ = SDL_CreateTexture(renderer_, SDL_PIXELFORMAT_IYUV, SDL_TEXTUREACCESS_STREAMING, picture.width,
+                               picture.height);
+  width_ = picture.width;
+  height_ = picture.height;
+  return texture_ != nullptr;
+}
+
+void Window::draw() {
+  SDL_SetRenderDrawColor(renderer_, 0, 0, 0, 255);
+  SDL_RenderClear(renderer_);
+  if (texture_ != nullptr) {
+    Size output;
+    SDL_GetRendererOutputSize(renderer_, &output.width, &output.height);
+    const Rect area = fitted({width_, height_}, output);
+    const SDL_Rect target{area.x, area.y, area.width, area.height};
+    SDL_RenderCopy(renderer_, texture_, nullptr, &target);
+  }
+  SDL_RenderPresent(renderer_);
+}
+
+}  // namespace headunit

@@ -47,6 +47,9 @@ class VANTRY_EXPORT WorkQueue {
   /// the destructor.
   void shutdown();
 
+  /// Any thread: whether `shutdown` has been called. A long item may look, and end early.
+  bool isStopping() const { return stopping; }
+
  private:
   friend class WorkQueueThread;
 

@@ -5,6 +5,7 @@
 #include <openssl/ssl.h>
 #include <openssl/x509.h>
 #include <pthread.h>
+#include <semaphore.h>
 
 #include <atomic>
 #include <cerrno>
@@ -16,26 +17,31 @@
 namespace test {
 namespace {
 
-const char* failing;  // none: nothing fails
-std::atomic<int> callsUntilFailure;
+std::atomic<const char*> watched{nullptr};  // none: nothing fails
+std::atomic<int> failure;
+std::atomic<int> count;
 
 /// Whether this call of `name` is the one to fail.
 bool failsNow(const char* name) {
-  return failing != nullptr && strcmp(failing, name) == 0 && --callsUntilFailure == 0;
+  const char* const now = watched;
+  return now != nullptr && strcmp(now, name) == 0 && ++count == failure;
 }
 
 }  // namespace
 
 FailingCall::FailingCall(const char* name, int which) {
-  static const std::set<std::string> detours = {"pthread_create", "RAND_status",           "SSL_CTX_new",
-                                                "SSL_new",        "SSL_check_private_key", "BIO_new",
-                                                "X509_STORE_new"};
+  static const std::set<std::string> detours = {
+      "pthread_create",        "RAND_status", "SSL_CTX_new",    "SSL_new",
+      "SSL_check_private_key", "BIO_new",     "X509_STORE_new", "sem_post"};
   if (detours.count(name) == 0) throw std::invalid_argument(name);
-  callsUntilFailure = which;
-  failing = name;
+  failure = which;
+  count = 0;
+  watched = name;
 }
 
-FailingCall::~FailingCall() { failing = nullptr; }
+FailingCall::~FailingCall() { watched = nullptr; }
+
+int FailingCall::calls() const { return count; }
 
 }  // namespace test
 
@@ -47,6 +53,13 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
                           void* argument) {
   return test::failsNow("pthread_create") ? EAGAIN
                                           : __real_pthread_create(thread, attributes, body, argument);
+}
+
+int __real_sem_post(sem_t*);
+int __wrap_sem_post(sem_t* semaphore) {
+  if (!test::failsNow("sem_post")) return __real_sem_post(semaphore);
+  errno = EOVERFLOW;
+  return -1;
 }
 
 int __real_RAND_status();

@@ -1,0 +1,225 @@
+#include <algorithm>
+#include <fstream>
+#include <set>
+
+#include "EndpointTest.h"
+#include "RecordingEndpoint.h"
+
+// Streams that no conforming phone sends.
+
+namespace test {
+namespace {
+
+struct DamagedStreamTest : EndpointTest {
+  RecordingEndpoint service{1, link.router()};
+
+  DamagedStreamTest() {
+    link.registers(&service);
+    link.opens(3, 1);
+    log.clear();
+  }
+  int feedsFirst(unsigned int total, const Bytes& payload) {
+    return link.feeds(firstFrame(3, FIRST | ENCRYPTED, total, payload));
+  }
+  int feeds(int kind, const Bytes& payload) { return link.feeds(frame(3, kind | ENCRYPTED, payload)); }
+};
+
+TEST_F(DamagedStreamTest, ABufferShorterThanItsHeaderEndsTheLink) {
+  EXPECT_CALL(link.host(), unrecoverableError());
+  EXPECT_EQ(link.feeds(bytes("03 0B 00")), STATUS_FRAMING_ERROR);
+  EXPECT_THAT(log.critical(), ElementsAre("[LHU] Framing error: len=3 framelen=0",
+                                          "[LHU] Sending Framing Error notification!"));
+}
+
+TEST_F(DamagedStreamTest, AFirstFrameOfMoreThanItAnnouncesEndsTheLink) {
+  EXPECT_CALL(link.host(), unrecoverableError());
+  EXPECT_EQ(feedsFirst(3, bytes("80 00 01 02")), STATUS_FRAMING_ERROR);
+  EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Sending Framing Error notification!"));
+}
+
+TEST_F(DamagedStreamTest, AMiddleFrameBeyondTheAnnouncedLengthEndsTheLink) {
+  EXPECT_CALL(link.host(), unrecoverableError());
+  feedsFirst(4, bytes("80 00 01"));
+  EXPECT_EQ(feeds(MIDDLE, bytes("02 03")), STATUS_FRAMING_ERROR);
+}
+
+TEST_F(DamagedStreamTest, ALastFrameBeyondTheAnnouncedLengthEndsTheLinkAndNothingIsDelivered) {
+  EXPECT_CALL(link.host(), unrecoverableError());
+  feedsFirst(4, bytes("80 00"));
+  feeds(MIDDLE, bytes("01"));
+  EXPECT_EQ(feeds(LAST, bytes("02 03")), STATUS_FRAMING_ERROR);
+  EXPECT_THAT(service.messages, IsEmpty());
+}
+
+TEST_F(DamagedStreamTest, ExactlyTheAnnouncedLengthIsTaken) {
+  feedsFirst(4, bytes("80 00"));
+  EXPECT_EQ(feeds(LAST, bytes("01 02")), STATUS_SUCCESS);
+  EXPECT_THAT(service.messages, ElementsAre(bytes("80 00 01 02")));
+}
+
+TEST_F(DamagedStreamTest, WhatWasAnnouncedAndNotSentIsZero) {
+  feedsFirst(10, bytes("80 00"));
+  feeds(MIDDLE, bytes("AA"));
+  EXPECT_EQ(feeds(LAST, bytes("BB")), STATUS_SUCCESS);
+  EXPECT_THAT(service.messages, ElementsAre(bytes("80 00 AA BB 00 00 00 00 00 00")));
+}
+
+TEST_F(DamagedStreamTest, AnAnnouncedLengthOfZeroMakesAMessageWithoutAType) {
+  EXPECT_EQ(feedsFirst(0, {}), STATUS_SUCCESS);
+  EXPECT_EQ(feeds(LAST, {}), STATUS_SUCCESS);
+  EXPECT_THAT(service.messages, IsEmpty());
+  EXPECT_THAT(link.sent(3), ElementsAre(unexpectedMessage()));
+  EXPECT_EQ(feedsFirst(0, bytes("80")), STATUS_FRAMING_ERROR);
+}
+
+TEST_F(DamagedStreamTest, AMessageTooShortForItsTypeIsRefusedAndTheLinkLives) {
+  EXPECT_EQ(feeds(ATOMIC, bytes("80")), STATUS_SUCCESS);
+  EXPECT_EQ(feeds(ATOMIC, {}), STATUS_SUCCESS);
+  EXPECT_THAT(link.sent(3), ElementsAre(unexpectedMessage(), unexpectedMessage()));
+  EXPECT_THAT(log.debug(),
+              testing::Each(testing::StartsWith("[LHU] Failed to parse proto at src/MessageRouter.cpp:")));
+  EXPECT_EQ(log.debug().size(), 2U);
+  EXPECT_EQ(feeds(ATOMIC, bytes("80 00")), STATUS_SUCCESS);
+  EXPECT_EQ(service.messages.size(), 1U);
+}
+
+TEST_F(DamagedStreamTest, AControlFrameTooShortForItsTypeIsRefusedAndTheLinkLives) {
+  EXPECT_EQ(link.feeds(frame(3, ATOMIC | CONTROL | ENCRYPTED, bytes("00"))), STATUS_INVALID_CHANNEL);
+  EXPECT_EQ(link.feeds(frame(9, ATOMIC | CONTROL | ENCRYPTED, {})), STATUS_INVALID_CHANNEL);
+  EXPECT_THAT(link.sentFrames(), IsEmpty());
+  EXPECT_EQ(log.debug().size(), 2U);
+  EXPECT_EQ(feeds(ATOMIC, bytes("80 00")), STATUS_SUCCESS);
+}
+
+long residentKilobytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind("VmRSS:", 0) == 0) return std::stol(line.substr(6));
+  }
+  return -1;
+}
+
+TEST_F(DamagedStreamTest, FourGigabytesAnnouncedAndOneByteSentCostNextToNothing) {
+  const long before = residentKilobytes();
+  long during = 0;
+  bool delivered = false;
+  struct Sink : RecordingEndpoint {
+    using RecordingEndpoint::RecordingEndpoint;
+    std::function<void(const IoBuffer&)> seen;
+    int routeMessage(unsigned char, unsigned short, const shared_ptr<IoBuffer>& message) override {
+      seen(*message);
+      return STATUS_SUCCESS;
+    }
+  } sink(2, link.router());
+  sink.seen = [&](const IoBuffer& message) {
+    delivered = true;
+    during = residentKilobytes();
+    EXPECT_EQ(message.size(), 0xFFFFFFFFU);
+    EXPECT_EQ(message.content()[0], 0x80);
+    EXPECT_EQ(message.content()[0xFFFFFFFE], 0);
+  };
+  link.registers(&sink);
+  link.opens(4, 2);
+  EXPECT_EQ(link.feeds(firstFrame(4, FIRST | ENCRYPTED, 0xFFFFFFFF, bytes("80"))), STATUS_SUCCESS);
+  const int status = link.feeds(frame(4, LAST | ENCRYPTED, {}));
+
+  // Where the system lends no such address space, the message is refused like a stream that cannot be right.
+  EXPECT_EQ(status, delivered ? STATUS_SUCCESS : STATUS_FRAMING_ERROR);
+#ifndef __SANITIZE_ADDRESS__  // whose own book-keeping takes an eighth of every allocation
+  EXPECT_LT(during - before, 4 * 1024);
+#endif
+}
+
+TEST_F(DamagedStreamTest, AnAnnouncementAloneAllocatesNothing) {
+  const long before = residentKilobytes();
+  for (int channel = 10; channel < 250; ++channel) {
+    link.channels().registerChannel(static_cast<unsigned char>(channel), 0);
+    EXPECT_EQ(link.feeds(firstFrame(channel, FIRST | ENCRYPTED, 0xFFFFFFFF, bytes("80"))), STATUS_SUCCESS);
+  }
+  EXPECT_LT(residentKilobytes() - before, 4 * 1024);
+}
+
+/// A stream of messages of one, two and three frames, in which all body bytes of a message are its own
+/// number.
+std::vector<Bytes> numberedStream() {
+  std::vector<Bytes> stream;
+  const int flags = ENCRYPTED;
+  for (std::uint8_t number = 1; number <= 6; ++number) {
+    const Bytes whole = message(0x8000, filled(58, number));
+    if (number % 3 == 0) {
+      stream.push_back(frame(3, flags | ATOMIC, whole));
+      continue;
+    }
+    stream.push_back(firstFrame(3, flags | FIRST, 60, part(whole, 0, 20)));
+    if (number % 3 == 1) stream.push_back(frame(3, flags | MIDDLE, part(whole, 20, 20)));
+    stream.push_back(frame(3, flags | LAST, part(whole, number % 3 == 1 ? 40 : 20)));
+  }
+  return stream;
+}
+
+/// Feeds a stream to a fresh link and tells of each delivered message which numbers are in it, zeros apart.
+std::vector<std::set<int>> numbersDelivered(const std::vector<Bytes>& stream) {
+  PlainLink link;
+  RecordingEndpoint service(1, link.router());
+  link.registers(&service);
+  link.opens(3, 1);
+  link.feeds(stream);
+  std::vector<std::set<int>> result;
+  for (const Bytes& delivered : service.messages) {
+    std::set<int> numbers(delivered.begin() + 2, delivered.end());
+    numbers.erase(0);
+    result.push_back(numbers);
+  }
+  return result;
+}
+
+void expectNoMixture(const std::vector<Bytes>& stream) {
+  for (const std::set<int>& numbers : numbersDelivered(stream)) EXPECT_LE(numbers.size(), 1U);
+}
+
+TEST(DamagedFrameOrderTest, TheWholeStreamDeliversEveryMessage) {
+  EXPECT_EQ(numbersDelivered(numberedStream()).size(), 6U);
+  expectNoMixture(numberedStream());
+}
+
+TEST(DamagedFrameOrderTest, ALostFrameNeverJoinsHalvesOfTwoMessages) {
+  for (std::size_t lost = 0; lost < numberedStream().size(); ++lost) {
+    SCOPED_TRACE(lost);
+    std::vector<Bytes> stream = numberedStream();
+    stream.erase(stream.begin() + static_cast<std::ptrdiff_t>(lost));
+    expectNoMixture(stream);
+  }
+}
+
+TEST(DamagedFrameOrderTest, ARepeatedFrameNeverJoinsHalvesOfTwoMessages) {
+  for (std::size_t repeated = 0; repeated < numberedStream().size(); ++repeated) {
+    SCOPED_TRACE(repeated);
+    std::vector<Bytes> stream = numberedStream();
+    stream.insert(stream.begin() + static_cast<std::ptrdiff_t>(repeated), numberedStream()[repeated]);
+    expectNoMixture(stream);
+  }
+}
+
+TEST(DamagedFrameOrderTest, ExchangedFramesNeverJoinHalvesOfTwoMessages) {
+  for (std::size_t i = 0; i + 1 < numberedStream().size(); ++i) {
+    SCOPED_TRACE(i);
+    std::vector<Bytes> stream = numberedStream();
+    std::swap(stream[i], stream[i + 1]);
+    expectNoMixture(stream);
+  }
+}
+
+TEST(DamagedFrameOrderTest, ATurnedBitInAHeaderNeverJoinsHalvesOfTwoMessages) {
+  const std::vector<Bytes> whole = numberedStream();
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    for (std::size_t bit = 0; bit < 32; ++bit) {
+      SCOPED_TRACE(testing::Message() << "frame " << i << " bit " << bit);
+      std::vector<Bytes> stream = whole;
+      stream[i][bit / 8] = static_cast<std::uint8_t>(stream[i][bit / 8] ^ 1 << bit % 8);
+      expectNoMixture(stream);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace test

@@ -291,6 +291,21 @@ TEST(AudioFile, LoopsWithoutAGap) {
   EXPECT_EQ(thrice, expected);
 }
 
+TEST(AudioFile, LoopsAlsoWhereItIsResampled) {
+  const TemporaryFolder folder;
+  SoundRecipe recipe;
+  recipe.sampleRate = 44100;
+  writeSound(folder / "a.wav", recipe, samplesOf(bytesOf(makeTone(Tone::Media, 44100, 2, 400).get(), 100)));
+  const Samples once = samplesOf(bytesOf(openSound(folder / "a.wav", 16000, 1).get(), 20));
+  const std::size_t length = once.size();
+  Samples samples = samplesOf(bytesOf(openSound(folder / "a.wav", 16000, 1, true).get(), 20, 3 * 2 * length));
+  ASSERT_GE(samples.size(), 3 * length);
+  for (std::size_t pass = 0; pass < 3; ++pass) {
+    const auto begin = samples.begin() + static_cast<std::ptrdiff_t>(pass * length);
+    EXPECT_EQ(Samples(begin, begin + static_cast<std::ptrdiff_t>(length)), once) << "pass " << pass;
+  }
+}
+
 TEST(AudioFile, WhatHasNoSoundIsRefusedInWords) {
   const TemporaryFolder folder;
   std::string error;

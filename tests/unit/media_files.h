@@ -95,14 +95,14 @@ class FileMaker {
     stream_->time_base = encoder_->time_base;
   }
 
-  /// Adds a cover picture, to be called after `addStream`.
-  void addCover(const std::vector<std::uint8_t>& png) {
+  /// Adds a cover picture, or with `moving` a video of that one picture; to be called after `addStream`.
+  void addCover(const std::vector<std::uint8_t>& png, bool moving) {
     cover_ = png;
     AVStream* stream = avformat_new_stream(output_, nullptr);
     stream->codecpar->codec_type = AVMEDIA_TYPE_VIDEO;
     stream->codecpar->codec_id = AV_CODEC_ID_PNG;
     stream->codecpar->width = stream->codecpar->height = 256;
-    stream->disposition = AV_DISPOSITION_ATTACHED_PIC;
+    stream->disposition = moving ? 0 : AV_DISPOSITION_ATTACHED_PIC;
   }
 
   void tag(const char* name, const char* value) { av_dict_set(&output_->metadata, name, value, 0); }
@@ -161,6 +161,7 @@ struct SoundRecipe {
   int channels = 2;
   FileMaker::Settings tags;
   std::vector<std::uint8_t> cover;
+  bool coverMoves = false;
 };
 
 inline void writeSound(const std::string& path, const SoundRecipe& recipe,
@@ -172,7 +173,7 @@ inline void writeSound(const std::string& path, const SoundRecipe& recipe,
     codec->time_base = {1, recipe.sampleRate};
     av_channel_layout_default(&codec->ch_layout, recipe.channels);
   });
-  if (!recipe.cover.empty()) file.addCover(recipe.cover);
+  if (!recipe.cover.empty()) file.addCover(recipe.cover, recipe.coverMoves);
   for (const auto& [name, value] : recipe.tags) file.tag(name.c_str(), value.c_str());
   file.begin();
   const std::size_t chunk =

@@ -108,10 +108,17 @@ TEST_F(MusicFolder, APictureInTheFolderServesSongsWithoutOne) {
 TEST_F(MusicFolder, WhatIsNoMusicIsPassedOver) {
   writeFile(folder / "notes.txt", std::string(5000, 'n'));
   writeFile(folder / "broken.mp3", "ID3");
+  std::string noise;
+  std::uint32_t state = 7;
+  for (int i = 0; i < 50'000; ++i) noise += static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
+  for (const char* name : {"noise.mp3", "noise.flac", "noise.ogg", "noise"}) writeFile(folder / name, noise);
   writeFile(folder / "cover.png", text(coverBytes()));
   VideoRecipe film;
   film.frames = 2;
-  writeNumberedVideo(folder / "film.mp4", film);
+  writeNumberedVideo(folder / "silent.mp4", film);
+  SoundRecipe sounding = flac({}, coverBytes());
+  sounding.coverMoves = true;
+  song("film.mkv", sounding);
   song("a.wav", {});
   EXPECT_THAT(scan(), ElementsAre(Field(&Song::title, "a")));
 }

@@ -135,6 +135,20 @@ TEST(TestPicture, ACellOfDoubtfulBrightnessIsNotGuessed) {
   EXPECT_EQ(counterIn(*frame), std::nullopt);
 }
 
+// The picture as it looks when brightness differs `divisor` times less than it should.
+FramePtr faded(const TestFrame& picture, int divisor) {
+  FramePtr frame = drawn(picture);
+  for (int i = 0; i < frame->linesize[0] * 480; ++i) {
+    frame->data[0][i] = static_cast<std::uint8_t>(128 + (frame->data[0][i] - 128) / divisor);
+  }
+  return frame;
+}
+
+TEST(TestPicture, AFadedPictureIsReadAsLongAsItsCellsStandOut) {
+  EXPECT_THAT(counterIn(*faded(numbered(4242), 3)), Optional(4242U));
+  EXPECT_EQ(counterIn(*faded(numbered(4242), 8)), std::nullopt);
+}
+
 TEST(TestPicture, TheTouchRowIsNeverTakenForTheCounter) {
   const FramePtr frame = drawn(numbered(4242));
   const auto stride = static_cast<std::size_t>(frame->linesize[0]);
@@ -201,6 +215,14 @@ TEST(TestPicture, TouchesAreReadBack) {
   EXPECT_EQ(touches->sequence, 0xabcdefU);
   EXPECT_EQ(touches->fingers, 3);
   EXPECT_THAT(counterIn(*frame), Optional(1U)) << "fingers on the strip hide nothing";
+}
+
+TEST(TestPicture, AFingerAtTheEdgeIsMarkedUpToTheEdge) {
+  TestFrame picture = numbered(1);
+  picture.touches = {{300, 34, 0}, {34, 240, 1}};
+  const std::vector<std::uint8_t> luma = lumaOf(*drawn(picture));
+  EXPECT_GT(luma[300], 150);
+  EXPECT_GT(luma[240 * 800], 150);
 }
 
 TEST(TestPicture, FingersBeyondThePictureAreCutOff) {

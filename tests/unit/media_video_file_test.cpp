@@ -6,6 +6,7 @@
 #include "media_files.h"
 #include "phone/media/Demuxer.h"
 #include "phone/media/NalUnits.h"
+#include "phone/media/Png.h"
 #include "phone/media/VideoSource.h"
 
 namespace test::media {
@@ -326,6 +327,12 @@ TEST_F(Transcoding, LeavesPicturesOutForALowerFrameRate) {
   }
 }
 
+TEST_F(Transcoding, AVideoShorterThanAFrameIsShownOnce) {
+  VideoRecipe recipe = mpeg4();
+  recipe.frames = 1;
+  EXPECT_THAT(countersIn(open(numbered("a.avi", recipe), sized(400, 240, 5)).get()), ElementsAre(0));
+}
+
 TEST_F(Transcoding, LoopsWithCountersAndTimesThatGoOn) {
   VideoOptions options = sized(400, 240, 30);
   options.loop = true;
@@ -397,6 +404,15 @@ TEST_F(Transcoding, RefusesASizeThatCannotBeEncoded) {
   EXPECT_THAT(error, HasSubstr("801x480 cannot be encoded"));
 }
 
+TEST_F(Transcoding, AColonInAFileNameIsNoProtocol) {
+  numbered("clip:2.avi", mpeg4());
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  const auto source = open("clip:2.avi", sized(400, 240, 30));
+  std::filesystem::current_path(before);
+  EXPECT_EQ(drain(source.get()).size(), 12U);
+}
+
 /// Files that are no video.
 struct NoVideo : VideoFile {};
 
@@ -436,6 +452,14 @@ TEST_F(NoVideo, AVideoOfWhichOnlyTheBeginningIsLeft) {
   const std::string path = numbered("a.mp4", {});
   std::filesystem::resize_file(path, 200);
   complaint(path);
+}
+
+TEST_F(NoVideo, ASongWithACover) {
+  SoundRecipe song;
+  song.codec = "flac";
+  song.cover = phone::encodePng(Bytes(256 * 256 * 3, 77).data(), 256, 256);
+  writeSound(folder / "a.flac", song, std::vector<std::int16_t>(9600));
+  EXPECT_THAT(complaint(folder / "a.flac"), HasSubstr("holds no video"));
 }
 
 TEST_F(NoVideo, OnlySound) {

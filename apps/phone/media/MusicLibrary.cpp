@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "phone/media/CoverArt.h"
-#include "phone/media/Demuxer.h"
+#include "phone/media/MediaDecoder.h"
 
 namespace phone {
 namespace {
@@ -72,19 +72,19 @@ bool hasMovingPicture(const AVFormatContext& format) {
 
 std::optional<Song> readSong(const fs::path& path) {
   std::string ignored;
-  const std::unique_ptr<Demuxer> file = Demuxer::open(path.string(), AVMEDIA_TYPE_AUDIO, &ignored);
-  // A low score is a guess: any file with the right few bits in it passes for a piece of MP3.
-  if (!file || file->format().probe_score <= AVPROBE_SCORE_RETRY || hasMovingPicture(file->format()))
-    return {};
+  // Any file with the right few bits in it passes for a piece of MP3, until it is to be decoded.
+  const auto decoder = MediaDecoder::open(path.string(), AVMEDIA_TYPE_AUDIO, &ignored);
+  if (!decoder || hasMovingPicture(decoder->demuxer().format())) return {};
+  const Demuxer& file = decoder->demuxer();
   Song song;
   song.path = path.string();
-  song.title = file->tag("title");
+  song.title = file.tag("title");
   if (song.title.empty()) song.title = path.stem().string();
-  song.artist = file->tag("artist");
-  song.album = file->tag("album");
-  song.genre = file->tag("genre");
-  song.durationMs = std::max<std::int64_t>(file->format().duration, 0) / (AV_TIME_BASE / 1000);
-  song.cover = attachedPicture(file->format());
+  song.artist = file.tag("artist");
+  song.album = file.tag("album");
+  song.genre = file.tag("genre");
+  song.durationMs = std::max<std::int64_t>(file.format().duration, 0) / (AV_TIME_BASE / 1000);
+  song.cover = attachedPicture(file.format());
   if (song.cover.empty()) song.cover = folderPicture(path.parent_path());
   return song;
 }

@@ -55,7 +55,7 @@ bool TranscodedVideo::readAhead() {
 
 bool TranscodedVideo::isOver(std::int64_t untilUs) const {
   const bool limited = options_.frames > 0 && returned_ == options_.frames;
-  const bool shownLongEnough = returned_ > 0 && !hasAhead_ && untilUs >= clock_.endUs();
+  const bool shownLongEnough = returned_ > 0 && untilUs >= clock_.endUs();
   return limited || shownLongEnough;
 }
 

@@ -17,7 +17,8 @@ namespace {
 /// of an enumeration aside; here the host is to hear of it all the same.
 bool readAudioFocusRequest(const void* body, unsigned int size, AudioFocusRequestType* request) {
   AudioFocusRequestNotification notification;
-  if (parseRecord(body, size, &notification)) {
+  if (!parseFields(body, size, &notification)) return false;
+  if (notification.has_request()) {
     *request = notification.request();
     return true;
   }

@@ -24,7 +24,10 @@ inline unsigned int messageBodySize(const shared_ptr<IoBuffer>& message) {
 /// Logs that what arrived is no record, and where in the library that was found.
 void logParseFailure(const char* file, int line);
 
-/// Parses `size` bytes at `body`; false if they are no record or a required field is missing, at any depth.
+/// Parses `size` bytes at `body`; false if they are no record. Required fields may be missing.
+[[nodiscard]] bool parseFields(const void* body, unsigned int size, google::protobuf::MessageLite* record);
+
+/// The same; false also if a required field is missing, at any depth.
 [[nodiscard]] bool parseRecord(const void* body, unsigned int size, google::protobuf::MessageLite* record);
 
 /// Whether `size`, which counts the type in, is at least `least`; logs with the caller's file and line if not.

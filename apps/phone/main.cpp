@@ -31,6 +31,8 @@ void catchSignals(Wake* wake) {
   action.sa_handler = onSignal;
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
+  // Whoever reads the log may go away; that is no reason to leave without good-bye.
+  std::signal(SIGPIPE, SIG_IGN);
 }
 
 void setUpLog(bool verbose) {

@@ -1,5 +1,6 @@
 #include "phone/media/Digits.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -8,13 +9,14 @@ namespace {
 
 constexpr std::string_view CHARACTERS = "0123456789:.";
 
+int even(float length) { return std::max(2, 2 * static_cast<int>(std::lround(length / 2))); }
 int evenUp(float length) { return 2 * static_cast<int>(std::ceil(length / 2)); }
 
 }  // namespace
 
 Digits::Digits(const Lettering& lettering, Colour colour)
-    : wide_(evenUp(lettering.height * 0.6F + lettering.spacing)),
-      narrow_(evenUp(lettering.height * 0.04F + lettering.spacing)) {
+    : wide_(even(lettering.height * 0.6F + lettering.spacing)),
+      narrow_(even(lettering.height * 0.04F + lettering.spacing)) {
   const float margin = lettering.stroke / 2 + 1;
   for (std::size_t i = 0; i < CHARACTERS.size(); ++i) {
     const std::string_view text = CHARACTERS.substr(i, 1);

@@ -19,6 +19,7 @@ class EncodedTestPicture final : public TestPictureSource {
   std::vector<std::uint8_t> codecConfig() override { return encoder_->codecConfig(); }
   int width() const override { return options_.width; }
   int height() const override { return options_.height; }
+  std::int64_t nextDueUs() const override { return drawn_ * 1'000'000 / options_.fps; }
   std::uint32_t shownTouchSequence() const override { return shownTouchSequence_; }
 
   bool next(AccessUnit* unit) override {
@@ -38,7 +39,7 @@ class EncodedTestPicture final : public TestPictureSource {
   bool drawAndEncode(AccessUnit* unit) {
     TestFrame picture;
     picture.counter = static_cast<std::uint32_t>(drawn_);
-    picture.timeUs = drawn_ * 1'000'000 / options_.fps;
+    picture.timeUs = nextDueUs();
     {
       const std::lock_guard lock(mutex_);
       picture.touchSequence = touchSequence_;

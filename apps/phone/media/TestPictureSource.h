@@ -19,6 +19,9 @@ class TestPictureSource : public VideoSource {
   /// starting at 1; that frame, and all after it until the next call, carry the number (see `readTouches`).
   virtual std::uint32_t setTouches(std::vector<TouchMark> touches) = 0;
 
+  /// When the next access unit is due, in microseconds since the source's start; called as `next` is.
+  virtual std::int64_t nextDueUs() const = 0;
+
   /// The touch sequence number that the access unit last returned by `next` shows; 0 before any touch. To be
   /// called on the thread that calls `next`.
   virtual std::uint32_t shownTouchSequence() const = 0;

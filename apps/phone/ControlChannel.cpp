@@ -9,35 +9,49 @@ constexpr char credentialAdvice[] =
     "both sides need valid certificates signed by one root; scripts/make-credentials makes such a set";
 
 std::string typeWords(const Message& message) {
-  return "message of type " + std::to_string(message.type()) + " on channel " + std::to_string(message.channel);
+  return "message of type " + std::to_string(message.type()) + " on channel " +
+         std::to_string(message.channel);
 }
 
 }  // namespace
 
 void PhoneLink::takeControlMessage(const Message& message) {
   switch (message.type()) {
-    case MESSAGE_VERSION_REQUEST: return onVersionRequest(message);
-    case MESSAGE_SSL_HANDSHAKE: return onHandshake(message);
-    case MESSAGE_AUTH_RESPONSE: return onAuthResponse(message);
-    case MESSAGE_SERVICE_DISCOVERY_RESPONSE: return onServiceDiscoveryResponse(message);
-    case MESSAGE_PING_REQUEST: return onPingRequest(message);
-    case MESSAGE_BYE_BYE_REQUEST: return onByeByeRequest(message);
-    case MESSAGE_BYE_BYE_RESPONSE: return onByeByeResponse(message);
+    case MESSAGE_VERSION_REQUEST:
+      return onVersionRequest(message);
+    case MESSAGE_SSL_HANDSHAKE:
+      return onHandshake(message);
+    case MESSAGE_AUTH_RESPONSE:
+      return onAuthResponse(message);
+    case MESSAGE_SERVICE_DISCOVERY_RESPONSE:
+      return onServiceDiscoveryResponse(message);
+    case MESSAGE_PING_REQUEST:
+      return onPingRequest(message);
+    case MESSAGE_BYE_BYE_REQUEST:
+      return onByeByeRequest(message);
+    case MESSAGE_BYE_BYE_RESPONSE:
+      return onByeByeResponse(message);
     case MESSAGE_FRAMING_ERROR:
-      return fail(Side::headUnit, "reports a framing error", "what this phone last sent broke the rules of frames");
+      return fail(Side::headUnit, "reports a framing error",
+                  "what this phone last sent broke the rules of frames");
     case MESSAGE_PING_RESPONSE:
     case MESSAGE_NAV_FOCUS_NOTIFICATION:
     case MESSAGE_AUDIO_FOCUS_NOTIFICATION:
-    case MESSAGE_UNEXPECTED_MESSAGE: return;  // For handlers and observers.
-    default: return violation("a " + typeWords(message) + " is not for a phone");
+    case MESSAGE_UNEXPECTED_MESSAGE:
+      return;  // For handlers and observers.
+    default:
+      return violation("a " + typeWords(message) + " is not for a phone");
   }
 }
 
 void PhoneLink::takeChannelControl(const Message& message) {
   switch (message.type()) {
-    case MESSAGE_CHANNEL_OPEN_RESPONSE: return onChannelOpenResponse(message);
-    case MESSAGE_CHANNEL_CLOSE_NOTIFICATION: return onChannelCloseNotification(message);
-    default: return violation("a control frame carries a " + typeWords(message));
+    case MESSAGE_CHANNEL_OPEN_RESPONSE:
+      return onChannelOpenResponse(message);
+    case MESSAGE_CHANNEL_CLOSE_NOTIFICATION:
+      return onChannelCloseNotification(message);
+    default:
+      return violation("a control frame carries a " + typeWords(message));
   }
 }
 
@@ -97,7 +111,8 @@ void PhoneLink::sendServiceDiscoveryRequest() {
 void PhoneLink::onServiceDiscoveryResponse(const Message& message) {
   auto answer = message.as<ServiceDiscoveryResponse>();
   if (!answer) {
-    return fail(Side::headUnit, "its list of services does not parse", "a required field is missing, or it is damaged");
+    return fail(Side::headUnit, "its list of services does not parse",
+                "a required field is missing, or it is damaged");
   }
   services_ = std::move(*answer);
   if (state_ == LinkState::discovering) enter(LinkState::up);

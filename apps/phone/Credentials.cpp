@@ -83,7 +83,8 @@ std::optional<Credentials> loadCredentials(const std::string& folder, std::strin
 std::string doubtsAbout(const Credentials& credentials) {
   const std::vector<X509Pointer> roots = readCertificates(credentials.root);
   const std::vector<X509Pointer> own = readCertificates(credentials.certificate);
-  if (roots.empty() || own.empty()) return "there is no root certificate or no certificate of the phone's own";
+  if (roots.empty() || own.empty())
+    return "there is no root certificate or no certificate of the phone's own";
 
   const StorePointer store(X509_STORE_new());
   for (const X509Pointer& root : roots) X509_STORE_add_cert(store.get(), root.get());

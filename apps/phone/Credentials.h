@@ -13,8 +13,8 @@ struct Credentials {
   std::string key;          ///< Without a passphrase.
 };
 
-/// Reads `root.pem`, `phone.pem` and `phone.key` of a folder. Empty on failure, and `error` then names the file
-/// and what to do.
+/// Reads `root.pem`, `phone.pem` and `phone.key` of a folder. Empty on failure, and `error` then names the
+/// file and what to do.
 std::optional<Credentials> loadCredentials(const std::string& folder, std::string* error);
 
 /// A sentence on what a careful head unit will object to (the certificate has expired, is not valid yet, or

@@ -13,14 +13,14 @@ namespace phone {
 
 /// How far a link has come, in this order.
 enum class LinkState {
-  awaitingVersion,     ///< Nothing heard yet.
-  refused,             ///< The phone's verdict on the version was no; the link idles.
-  handshaking,         ///< Version accepted; TLS flights go back and forth.
-  awaitingAuth,        ///< TLS stands on this side; the head unit's AuthResponse is due.
-  discovering,         ///< ServiceDiscoveryRequest is out.
-  up,                  ///< The services are known; channels may be opened.
-  leaving,             ///< A ByeByeRequest of ours is out.
-  ended                ///< See PhoneLink::end().
+  awaitingVersion,  ///< Nothing heard yet.
+  refused,          ///< The phone's verdict on the version was no; the link idles.
+  handshaking,      ///< Version accepted; TLS flights go back and forth.
+  awaitingAuth,     ///< TLS stands on this side; the head unit's AuthResponse is due.
+  discovering,      ///< ServiceDiscoveryRequest is out.
+  up,               ///< The services are known; channels may be opened.
+  leaving,          ///< A ByeByeRequest of ours is out.
+  ended             ///< See PhoneLink::end().
 };
 
 const char* nameOf(LinkState state);
@@ -51,14 +51,14 @@ struct LinkOptions {
   Credentials credentials;
   TlsOptions tls;
 
-  std::uint16_t major = 1;   ///< Told in the version response ...
+  std::uint16_t major = 1;  ///< Told in the version response ...
   std::uint16_t minor = 0;
   std::uint8_t verdict = 0;  ///< ... with this verdict; 0 accepts.
   ServiceDiscoveryRequest identity;
 
   bool answersVersion = true;
   bool answersHandshake = true;
-  bool discovers = true;      ///< Sends ServiceDiscoveryRequest as soon as the head unit says yes.
+  bool discovers = true;  ///< Sends ServiceDiscoveryRequest as soon as the head unit says yes.
   bool answersPings = true;
   bool answersByeBye = true;  ///< Answers a ByeByeRequest and ends; otherwise it is only recorded.
 
@@ -80,7 +80,8 @@ class ChannelHandler {
   virtual void onClosed() {}
 };
 
-/// Sees a whole link. Called from inside PhoneLink's operations, which may all be called in turn, except feed.
+/// Sees a whole link. Called from inside PhoneLink's operations, which may all be called in turn, except
+/// feed.
 class LinkObserver {
  public:
   virtual ~LinkObserver() = default;

@@ -9,8 +9,8 @@
 
 namespace phone {
 
-/// What waits to be sent. A frame is enciphered at the moment its turn is settled, so that the TLS records stand
-/// on the wire in the order in which they were made.
+/// What waits to be sent. A frame is enciphered at the moment its turn is settled, so that the TLS records
+/// stand on the wire in the order in which they were made.
 class Outbox {
  public:
   /// With `interleaves`, channels take turns a frame each; otherwise frames leave in the order of the calls.

@@ -76,7 +76,8 @@ void PhoneLink::takeFrame(Frame frame) {
 }
 
 bool PhoneLink::decipher(Frame* frame, bool* wasEncrypted) {
-  if (!frame->has(flagEncrypted) || tls_ == nullptr || !tls_->established() || takesAsPlain(*frame)) return true;
+  if (!frame->has(flagEncrypted) || tls_ == nullptr || !tls_->established() || takesAsPlain(*frame))
+    return true;
   Bytes plain;
   if (!tls_->decrypt(frame->payload, &plain)) return false;
   frame->payload = std::move(plain);
@@ -84,8 +85,8 @@ bool PhoneLink::decipher(Frame* frame, bool* wasEncrypted) {
   return true;
 }
 
-// Until the head unit has seen our last flight it still sends flagged frames in the clear, and such a frame may
-// meet an established server here. A TLS record begins with 17 03 03, which is no message type.
+// Until the head unit has seen our last flight it still sends flagged frames in the clear, and such a frame
+// may meet an established server here. A TLS record begins with 17 03 03, which is no message type.
 bool PhoneLink::takesAsPlain(const Frame& frame) const {
   constexpr std::uint8_t applicationData = 0x17;
   return state_ <= LinkState::awaitingAuth && (frame.payload.empty() || frame.payload[0] != applicationData);
@@ -114,13 +115,16 @@ void PhoneLink::takeFragment(const Frame& frame, bool wasEncrypted) {
   }
   const char* advice = "its fragmentation is broken";
   switch (reassembler_.add(frame, &message)) {
-    case Reassembler::Verdict::incomplete: return;
-    case Reassembler::Verdict::complete: return takeMessage(std::move(message));
+    case Reassembler::Verdict::incomplete:
+      return;
+    case Reassembler::Verdict::complete:
+      return takeMessage(std::move(message));
     case Reassembler::Verdict::tooShort:
       violation("the fragments of a message" + where + " add up to less than it announced");
       return takeMessage(std::move(message));
     case Reassembler::Verdict::tooLong:
-      return fail(Side::headUnit, "the fragments of a message" + where + " add up to more than it announced", advice);
+      return fail(Side::headUnit, "the fragments of a message" + where + " add up to more than it announced",
+                  advice);
     case Reassembler::Verdict::outOfSequence:
       return fail(Side::headUnit, "sent a fragment out of sequence" + where, advice);
   }
@@ -130,7 +134,8 @@ void PhoneLink::takeMessage(Message message) {
   message.order = messages_++;
   if (options_.records) received_[message.channel].push_back(message);
   if (message.bytes.size() < 2) {
-    return violation("a message on channel " + std::to_string(message.channel) + " is too short for its type");
+    return violation("a message on channel " + std::to_string(message.channel) +
+                     " is too short for its type");
   }
   if (message.control) {
     takeChannelControl(message);

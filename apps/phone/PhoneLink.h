@@ -16,8 +16,8 @@ enum class ChannelState { free, opening, open, refused, closed };
 /// The phone's side of one link, without a socket, a clock or a thread: feed() takes what the head unit sent,
 /// takeOutput() gives what is to be sent to it. One thread at a time.
 ///
-/// By itself it accepts the version, is the TLS server, discovers, answers pings and bye-byes. All of it can be
-/// turned off in LinkOptions and done by hand, well or badly.
+/// By itself it accepts the version, is the TLS server, discovers, answers pings and bye-byes. All of it can
+/// be turned off in LinkOptions and done by hand, well or badly.
 class PhoneLink {
  public:
   /// Throws std::invalid_argument, with the reason, if the credentials are unusable. Credentials that are all
@@ -29,8 +29,8 @@ class PhoneLink {
 
   // ---- Bytes ----
 
-  /// Takes bytes from the head unit, cut anywhere, and acts on every frame that they complete. Ignored once the
-  /// link has ended. Not to be called from a handler or observer.
+  /// Takes bytes from the head unit, cut anywhere, and acts on every frame that they complete. Ignored once
+  /// the link has ended. Not to be called from a handler or observer.
   void feed(const std::uint8_t* data, std::size_t size);
   void feed(const Bytes& data) { feed(data.data(), data.size()); }
 
@@ -102,7 +102,8 @@ class PhoneLink {
 
   // ---- By hand, also against the rules ----
 
-  /// One frame with its flags as they stand. The payload is enciphered if flagEncrypted is set and TLS stands.
+  /// One frame with its flags as they stand. The payload is enciphered if flagEncrypted is set and TLS
+  /// stands.
   void sendFrame(Frame frame);
   /// One frame, payload included, exactly as it is.
   void sendFrameAsIs(const Frame& frame);

@@ -12,8 +12,18 @@ constexpr Micros watchInterval = 1'000'000;
 }  // namespace
 
 PhoneSession::PhoneSession(PhoneLink* link, Timers* timers, SessionOptions options, VideoFactory video)
-    : link_(link), timers_(timers), options_(std::move(options)), makeVideo_(std::move(video)) {
+    : link_(link),
+      timers_(timers),
+      options_(std::move(options)),
+      makeVideo_(std::move(video)),
+      car_(link, timers, options_.car),
+      sounds_(link, timers, &clock_, options_.stream.paced) {
+  options_.stream.clock = &clock_;
   link_->observe(this);
+  sounds_.onProblem([this](AudioStreamType type, const LinkEnd& end) {
+    addTrouble(std::string(nameOf(type)) + " sound", end);
+  });
+  car_.onProblem([this](const LinkEnd& end) { addTrouble("microphone", end); });
 }
 
 void PhoneSession::start() {
@@ -39,18 +49,26 @@ LinkEnd PhoneSession::outcome() const {
 
 void PhoneSession::onState(LinkState state) {
   switch (state) {
-    case LinkState::handshaking: handshakeBegan_ = timers_->now(); break;
-    case LinkState::discovering: handshakeTime_ = timers_->now() - handshakeBegan_; break;
+    case LinkState::handshaking:
+      handshakeBegan_ = timers_->now();
+      break;
+    case LinkState::discovering:
+      handshakeTime_ = timers_->now() - handshakeBegan_;
+      break;
     case LinkState::up:
       cancelLimit();
       watch();
       playVideo();
+      if (link_->state() != LinkState::up) break;
+      playSound();
+      car_.open(*link_->services());
       break;
     case LinkState::ended:
       cancelLimit();
       if (watch_) timers_->cancel(*watch_);
       break;
-    default: break;
+    default:
+      break;
   }
 }
 
@@ -59,14 +77,24 @@ void PhoneSession::onMessage(const Message&) { lastHeard_ = timers_->now(); }
 void PhoneSession::playVideo() {
   const Service* sink = findVideoSink(*link_->services());
   if (sink == nullptr) {
-    problem_ = {false, Side::headUnit, "offers no service that takes a picture", "it must register a video sink"};
+    problem_ = {false, Side::headUnit, "offers no service that takes a picture",
+                "it must register a video sink"};
     return leave();
   }
   video_ = std::make_unique<MediaStream>(
       link_, timers_, options_.stream,
-      videoOpener(sink->media_sink_service(), options_.wish, std::move(makeVideo_)),
+      videoOpener(sink->media_sink_service(), options_.wish, std::move(makeVideo_),
+                  {&car_.touches(), [this](Micros time) { sounds_.onPictureSent(time); }}),
       [this](const LinkEnd& end) { onVideoDone(end); });
   video_->start(link_->unusedChannel(), sink->id());
+}
+
+void PhoneSession::playSound() { sounds_.start(*link_->services(), options_.sounds, options_.makeSound); }
+
+void PhoneSession::addTrouble(const std::string& what, const LinkEnd& end) {
+  if (link_->end()) return;
+  troubles_.push_back(what + ": " + end.words());
+  if (trouble_) trouble_(troubles_.back());
 }
 
 void PhoneSession::onVideoDone(const LinkEnd& end) {
@@ -76,6 +104,8 @@ void PhoneSession::onVideoDone(const LinkEnd& end) {
 }
 
 void PhoneSession::leave() {
+  sounds_.stop();
+  car_.close();
   link_->sayByeBye();
   // After a problem the user has waited long enough.
   const Micros wait = problem_ ? options_.farewellLimit / 2 : options_.farewellLimit;

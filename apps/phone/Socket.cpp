@@ -60,8 +60,8 @@ void setOption(const Socket& socket, int level, int option) {
 }
 
 Socket openSocket(const addrinfo& address) {
-  return Socket(::socket(address.ai_family, address.ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK,
-                         address.ai_protocol));
+  return Socket(
+      ::socket(address.ai_family, address.ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, address.ai_protocol));
 }
 
 // 1 when `descriptor` is ready, 0 when the time is over, -1 when `wake` was raised.

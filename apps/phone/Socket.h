@@ -50,15 +50,16 @@ std::optional<Endpoint> parseEndpoint(const std::string& text);
 /// The steady clock.
 Micros steadyNow();
 
-/// Connects within `limit`. An invalid socket on failure, with `error` telling why; and when `wake` was raised,
-/// with `error` empty.
+/// Connects within `limit`. An invalid socket on failure, with `error` telling why; and when `wake` was
+/// raised, with `error` empty.
 Socket connectTo(const Endpoint& endpoint, Micros limit, Wake* wake, std::string* error);
 
 /// Listens; port 0 lets the system choose. An invalid socket on failure, with `error` telling why.
 Socket listenOn(const Endpoint& endpoint, std::string* error);
 /// Where a listening socket really listens.
 Endpoint localEndpoint(const Socket& socket);
-/// Waits for one peer, without a limit. An invalid socket when `wake` was raised, or on failure with `error` set.
+/// Waits for one peer, without a limit. An invalid socket when `wake` was raised, or on failure with `error`
+/// set.
 Socket acceptOne(const Socket& listener, Wake* wake, std::string* error);
 
 }  // namespace phone

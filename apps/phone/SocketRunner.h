@@ -37,8 +37,8 @@ class SocketRunner {
   Socket socket_;
   Bytes sending_;
   std::size_t sent_ = 0;
-  bool atEnd_ = false;   ///< The peer has closed its half, or the connection is gone.
-  std::string broken_;   ///< Why writing is no longer possible.
+  bool atEnd_ = false;  ///< The peer has closed its half, or the connection is gone.
+  std::string broken_;  ///< Why writing is no longer possible.
 };
 
 }  // namespace phone

@@ -13,7 +13,8 @@ Timers::Id Timers::at(Micros due, std::function<void()> call) {
 
 void Timers::advance(Micros now) {
   now_ = std::max(now_, now);
-  // What is added from inside a call has a higher count, and waits: a call that renews itself cannot loop here.
+  // What is added from inside a call has a higher count, and waits: a call that renews itself cannot loop
+  // here.
   const std::uint64_t newest = count_;
   auto next = calls_.begin();
   while (next != calls_.end() && next->first.first <= now_) {

@@ -16,8 +16,8 @@ class Timers {
  public:
   using Id = std::pair<Micros, std::uint64_t>;
 
-  /// With a `clock`, now() reads it, which measures more finely than advance() is called; without one the time
-  /// stands still in between.
+  /// With a `clock`, now() reads it, which measures more finely than advance() is called; without one the
+  /// time stands still in between.
   explicit Timers(Micros (*clock)() = nullptr) : clock_(clock) {}
 
   Micros now() const { return clock_ != nullptr ? clock_() : now_; }

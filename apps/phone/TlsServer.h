@@ -28,9 +28,9 @@ class TlsServer {
   TlsServer(const TlsServer&) = delete;
   TlsServer& operator=(const TlsServer&) = delete;
 
-  /// Takes the client's handshake records and sets `out` to all that is to be sent in return: one whole flight,
-  /// also the last one on `established`, and the alert on `failed`; often nothing.
-  /// After `failed` only error() may be called.
+  /// Takes the client's handshake records and sets `out` to all that is to be sent in return: one whole
+  /// flight, also the last one on `established`, and the alert on `failed`; often nothing. After `failed`
+  /// only error() may be called.
   Step handshake(const std::uint8_t* data, std::size_t size, Bytes* out);
 
   /// Plain bytes into whole TLS records. Only once established.

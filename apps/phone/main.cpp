@@ -9,8 +9,10 @@
 
 #include "phone/PhoneSession.h"
 #include "phone/SocketRunner.h"
+#include "phone/program/CarJournal.h"
 #include "phone/program/Console.h"
 #include "phone/program/Options.h"
+#include "phone/program/Sound.h"
 #include "phone/program/Stats.h"
 
 namespace phone {
@@ -51,8 +53,8 @@ std::unique_ptr<VideoSource> openVideo(const Options& options, PictureSize size,
   return options.video.empty() ? makeTestPicture(wanted, error) : openVideoFile(options.video, wanted, error);
 }
 
-// Opened before there is a link, so that a bad file is told at once; opened again if the head unit wants it in
-// another size.
+// Opened before there is a link, so that a bad file is told at once; opened again if the head unit wants it
+// in another size.
 VideoFactory videoFactory(const Options& options, std::unique_ptr<VideoSource> early) {
   auto opened = std::make_shared<std::unique_ptr<VideoSource>>(std::move(early));
   return [options, opened](PictureSize size, std::string* error) {
@@ -67,13 +69,15 @@ Socket reachHeadUnit(const Options& options, Wake* wake, std::string* error) {
     spdlog::info("connecting to {}", where);
     Socket socket = connectTo(options.endpoint, connectLimit, wake, error);
     if (!error->empty()) {
-      *error = "cannot connect to the head unit at " + where + ": " + *error + "; start it first, or check the address";
+      *error = "cannot connect to the head unit at " + where + ": " + *error +
+               "; start it first, or check the address";
     }
     return socket;
   }
   const Socket listener = listenOn(options.endpoint, error);
   if (!listener) {
-    *error = "cannot listen on " + where + ": " + *error + "; choose another address, or port 0 for any free one";
+    *error =
+        "cannot listen on " + where + ": " + *error + "; choose another address, or port 0 for any free one";
     return Socket();
   }
   std::printf("listening on %s\n", localEndpoint(listener).words().c_str());
@@ -90,15 +94,36 @@ LinkOptions linkOptions(Credentials credentials) {
   return options;
 }
 
-SessionOptions sessionOptions(const Options& options) {
+SessionOptions sessionOptions(const Options& options, CarListener* listener) {
   SessionOptions session;
   session.wish = {options.size, options.fps};
   session.stream.paced = !options.fast;
   session.stream.unitLimit = static_cast<std::uint64_t>(options.frames);
+  session.sounds = options.sounds;
+  session.makeSound = soundFactory(options);
+  session.car.recordMicrophone = microphoneFile(options);
+  session.car.listener = listener;
   return session;
 }
 
-int report(const Options& options, const PhoneSession& session, std::ofstream* stats) {
+struct Output {
+  std::ofstream stats;
+  CarJournal journal;
+};
+
+bool openOutput(const Options& options, Output* output, std::string* error) {
+  if (!options.stats.empty()) output->stats.open(options.stats);
+  if (!output->stats) {
+    *error = "cannot write " + options.stats + "; name another file with --stats";
+  } else if (!options.record.empty() && !output->journal.recordTo(options.record)) {
+    *error = "cannot write " + options.record + "; name another file with --record";
+  } else {
+    return prepareMicrophoneFile(options, error);
+  }
+  return false;
+}
+
+int report(const Options& options, const PhoneSession& session, Output* output) {
   const LinkEnd end = session.outcome();
   const int status = end.clean ? exitClean : exitLink;
   if (end.clean) {
@@ -106,15 +131,15 @@ int report(const Options& options, const PhoneSession& session, std::ofstream* s
   } else {
     spdlog::error("the link has failed: {}", end.words());
   }
-  if (options.stats.empty()) return status;
-  *stats << statsJson(session, status) << std::flush;
-  if (*stats) return status;
-  spdlog::error("cannot write {}; free some room or name another file with --stats", options.stats);
+  if (!options.stats.empty()) output->stats << statsJson(session, status) << std::flush;
+  if (output->stats && output->journal.isWhole()) return status;
+  spdlog::error("cannot write {}; free some room or name another file",
+                output->stats ? options.record : options.stats);
   return status == exitClean ? exitUsage : status;
 }
 
 int runLink(const Options& options, Credentials credentials, std::unique_ptr<VideoSource> video,
-            std::ofstream* stats) {
+            Output* output) {
   Wake wake;
   catchSignals(&wake);
   std::string error;
@@ -131,33 +156,30 @@ int runLink(const Options& options, Credentials credentials, std::unique_ptr<Vid
   Timers timers(steadyNow);
   PhoneLink link(linkOptions(std::move(credentials)));
   Console console(&link, &timers);
-  PhoneSession session(&link, &timers, sessionOptions(options), videoFactory(options, std::move(video)));
+  PhoneSession session(&link, &timers, sessionOptions(options, &output->journal),
+                       videoFactory(options, std::move(video)));
   SocketRunner runner(&link, &timers, &wake);
   runner.onWake([&session] { session.interrupt(); });
-  console.showProgress(&session);
+  console.watch(&session);
+  output->journal.start(&timers);
   session.start();
   runner.run(std::move(socket));
-  return report(options, session, stats);
+  return report(options, session, output);
 }
 
-int run(const Options& options) {
+int run(Options options) {
   std::string error;
+  Output output;
   auto credentials = loadCredentials(options.credentials, &error);
   auto video = credentials ? openVideo(options, options.size, &error) : nullptr;
-  if (!video) {
+  if (!video || !settleSound(&options, &error) || !openOutput(options, &output, &error)) {
     spdlog::error("{}", error);
     return exitUsage;
   }
   if (const std::string doubts = doubtsAbout(*credentials); !doubts.empty()) {
     spdlog::warn("{}; the head unit will probably refuse it", doubts);
   }
-  std::ofstream stats;
-  if (!options.stats.empty()) stats.open(options.stats);
-  if (!stats) {
-    spdlog::error("cannot write {}; name another file with --stats", options.stats);
-    return exitUsage;
-  }
-  return runLink(options, std::move(*credentials), std::move(video), &stats);
+  return runLink(options, std::move(*credentials), std::move(video), &output);
 }
 
 }  // namespace

@@ -13,7 +13,8 @@ using phone::Frame;
 using phone::FrameDecoder;
 using phone::FrameKind;
 
-Frame makeFrame(std::uint8_t channel, std::uint8_t flags, const Bytes& payload, std::uint32_t totalLength = 0) {
+Frame makeFrame(std::uint8_t channel, std::uint8_t flags, const Bytes& payload,
+                std::uint32_t totalLength = 0) {
   Frame made;
   made.channel = channel;
   made.flags = flags;
@@ -45,11 +46,11 @@ TEST(PhoneFrame, AnAtomicFrameHasFourHeaderBytes) {
 
 TEST(PhoneFrame, AFirstFrameCarriesTheTotalLength) {
   EXPECT_EQ(Bytes(phone::encodeFrame(makeFrame(5, 0x09, bytes("AA BB"), 0x00013F02))),
-            bytes("05"            // channel
-                  "09"            // first, encrypted
-                  "00 02"         // length of this fragment
-                  "00 01 3F 02"   // length of the message
-                  "AA BB"));      // payload
+            bytes("05"           // channel
+                  "09"           // first, encrypted
+                  "00 02"        // length of this fragment
+                  "00 01 3F 02"  // length of the message
+                  "AA BB"));     // payload
 }
 
 TEST(PhoneFrame, NoOtherKindCarriesATotalLength) {
@@ -70,10 +71,11 @@ TEST(PhoneFrame, TheLargestPayloadIsWhatTheLengthFieldCanTell) {
 }
 
 TEST(PhoneFrame, DecodesAStreamAtEveryCut) {
-  const Bytes stream = bytes("00 03 00 06 00 01 00 01 00 00"      // atomic on channel 0
-                             "07 09 00 03 00 00 00 05 0A 0B 0C"   // first of a message of 5
-                             "09 0B 00 00"                        // atomic, empty
-                             "07 0A 00 02 0D 0E");                // last
+  const Bytes stream = bytes(
+      "00 03 00 06 00 01 00 01 00 00"     // atomic on channel 0
+      "07 09 00 03 00 00 00 05 0A 0B 0C"  // first of a message of 5
+      "09 0B 00 00"                       // atomic, empty
+      "07 0A 00 02 0D 0E");               // last
   for (std::size_t cut = 1; cut <= stream.size(); ++cut) {
     const std::vector<Frame> found = decodeCut(stream, cut);
     ASSERT_EQ(found.size(), 4u) << "cut " << cut;

@@ -107,8 +107,8 @@ TEST_F(PhoneLinkTest, TellsTheVersionAndTheVerdictThatItWasGiven) {
 
 TEST_F(PhoneLinkTest, GoesThroughTheStatesOfABringUp) {
   headUnit().bringsUp();
-  EXPECT_THAT(listener.states, ElementsAre(LinkState::handshaking, LinkState::awaitingAuth, LinkState::discovering,
-                                           LinkState::up));
+  EXPECT_THAT(listener.states, ElementsAre(LinkState::handshaking, LinkState::awaitingAuth,
+                                           LinkState::discovering, LinkState::up));
   EXPECT_EQ(link().authStatus(), 0);
   EXPECT_THAT(listener.events, IsEmpty());
 }

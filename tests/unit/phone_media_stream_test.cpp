@@ -58,7 +58,8 @@ struct PhoneMediaStream : testing::Test {
 
   MediaStream& stream() {
     if (stream_) return *stream_;
-    auto open = [this](const std::vector<std::uint32_t>& indices, std::uint32_t* index, phone::LinkEnd* problem) {
+    auto open = [this](const std::vector<std::uint32_t>& indices, std::uint32_t* index,
+                       phone::LinkEnd* problem) {
       allowed = indices;
       *index = 1;
       *problem = {false, phone::Side::phone, "no feed", "make one"};
@@ -117,12 +118,13 @@ TEST_F(PhoneMediaStream, GoesFromOpenToStopInItsOrder) {
 
   configure(8);
   EXPECT_THAT(allowed, ElementsAre(1, 0));
-  EXPECT_THAT(headUnit.hearsMessages(), ElementsAre(bytes("80 01 08 09 10 01"),  // MESSAGE_START, session, index
-                                                    bytes("00 01 C0 C1"),        // MESSAGE_CODEC_CONFIG
-                                                    bytes("00 00"                    // MESSAGE_MEDIA_DATA
-                                                          "00 00 00 00 00 00 13 8F"  // 5007 us
-                                                          "01"),
-                                                    unit(2), unit(3)));
+  EXPECT_THAT(headUnit.hearsMessages(),
+              ElementsAre(bytes("80 01 08 09 10 01"),      // MESSAGE_START, session, index
+                          bytes("00 01 C0 C1"),            // MESSAGE_CODEC_CONFIG
+                          bytes("00 00"                    // MESSAGE_MEDIA_DATA
+                                "00 00 00 00 00 00 13 8F"  // 5007 us
+                                "01"),
+                          unit(2), unit(3)));
   EXPECT_EQ(stream().state(), State::draining);
   acknowledge(3);
   EXPECT_THAT(headUnit.hearsMessages(), ElementsAre(bytes("80 02")));  // MESSAGE_STOP

@@ -15,7 +15,8 @@ using phone::Message;
 using phone::Reassembler;
 using Verdict = Reassembler::Verdict;
 
-Frame fragment(FrameKind kind, const Bytes& payload, std::uint32_t totalLength = 0, std::uint8_t channel = 3) {
+Frame fragment(FrameKind kind, const Bytes& payload, std::uint32_t totalLength = 0,
+               std::uint8_t channel = 3) {
   Frame frame;
   frame.channel = channel;
   frame.flags = static_cast<std::uint8_t>(kind);

@@ -36,8 +36,8 @@ TEST(PhoneEndpoint, AnIpv6AddressStandsInBrackets) {
 }
 
 TEST(PhoneEndpoint, NothingElseIsOne) {
-  for (const char* text : {"", ":", "host", "host:", ":80", "host:65536", "host:-1", "host:8x", "host: 8", "::1:80",
-                           "[]:80", "host:99999999999999999999"}) {
+  for (const char* text : {"", ":", "host", "host:", ":80", "host:65536", "host:-1", "host:8x", "host: 8",
+                           "::1:80", "[]:80", "host:99999999999999999999"}) {
     EXPECT_FALSE(phone::parseEndpoint(text)) << text;
   }
 }
@@ -126,7 +126,8 @@ struct PhoneSocketRunner : testing::Test {
     Bytes all;
     std::uint8_t piece[4096];
     ::ssize_t got = 0;
-    while ((got = ::recv(theirs.descriptor(), piece, sizeof piece, 0)) > 0) all.insert(all.end(), piece, piece + got);
+    while ((got = ::recv(theirs.descriptor(), piece, sizeof piece, 0)) > 0)
+      all.insert(all.end(), piece, piece + got);
     return all;
   }
 };

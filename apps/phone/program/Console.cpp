@@ -15,7 +15,11 @@ constexpr Micros drawInterval = 250'000;
 
 Console::Console(PhoneLink* link, Timers* timers) : link_(link), timers_(timers) { link_->observe(this); }
 
-void Console::showProgress(const PhoneSession* session) {
+void Console::watch(PhoneSession* session) {
+  session->onTrouble([this](const std::string& what) {
+    clear();
+    spdlog::warn("{}", what);
+  });
   if (isatty(STDERR_FILENO) == 0) return;
   session_ = session;
   draw();
@@ -30,8 +34,8 @@ void Console::draw() {
     const double latency =
         stats.ackLatencies.empty() ? 0 : static_cast<double>(stats.ackLatencies.back()) / 1000.0;
     std::fprintf(stderr, "\r\033[K%llu frames, %.1f s, %.2f MB, last acknowledged after %.1f ms",
-                 static_cast<unsigned long long>(stats.units), seconds, static_cast<double>(stats.bytes) / 1e6,
-                 latency);
+                 static_cast<unsigned long long>(stats.units), seconds,
+                 static_cast<double>(stats.bytes) / 1e6, latency);
     drawn_ = true;
   }
   timers_->after(drawInterval, [this] { draw(); });

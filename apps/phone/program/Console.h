@@ -11,8 +11,8 @@ class Console : public LinkObserver {
   /// Both outlive the console.
   Console(PhoneLink* link, Timers* timers);
 
-  /// Shows the progress of `session` from now on, if stderr is a terminal.
-  void showProgress(const PhoneSession* session);
+  /// Tells of the troubles of `session` from now on, and if stderr is a terminal of its progress.
+  void watch(PhoneSession* session);
 
   void onState(LinkState state) override;
   void onMessage(const Message& message) override;

@@ -14,6 +14,23 @@ constexpr char footer[] =
 const std::map<std::string, PictureSize> sizes = {
     {"800x480", {800, 480}}, {"1280x720", {1280, 720}}, {"1920x1080", {1920, 1080}}};
 
+const std::map<std::string, AudioStreamType> streams = {{"media", AUDIO_STREAM_MEDIA},
+                                                        {"guidance", AUDIO_STREAM_GUIDANCE},
+                                                        {"system", AUDIO_STREAM_SYSTEM_AUDIO},
+                                                        {"telephony", AUDIO_STREAM_TELEPHONY}};
+
+std::string checkSound(const std::string& text) {
+  return text == "none" || streams.count(text) > 0 ? "" : "\"" + text + "\" is no stream of sound";
+}
+
+std::vector<AudioStreamType> soundsOf(const std::vector<std::string>& names) {
+  std::vector<AudioStreamType> sounds;
+  for (const std::string& name : names) {
+    if (name != "none") sounds.push_back(streams.at(name));
+  }
+  return sounds;
+}
+
 std::string checkEndpoint(const std::string& text) {
   return parseEndpoint(text) ? "" : "\"" + text + "\" is not HOST:PORT";
 }
@@ -25,9 +42,11 @@ std::optional<Options> readOptions(int argc, char** argv, int* status) {
   std::string connect;
   std::string listen;
   std::string size = "800x480";
+  std::vector<std::string> sounds = {"media", "guidance", "system", "telephony"};
 
-  CLI::App app("Plays a phone: brings up a projection link to a head unit and streams a picture to it.",
-               "vantry-phone");
+  CLI::App app(
+      "Plays a phone: brings up a projection link to a head unit and streams picture and sound to it.",
+      "vantry-phone");
   app.footer(footer);
   auto* peer = app.add_option_group("Peer", "exactly one of");
   peer->add_option("--connect", connect, "connect to a head unit that listens there")
@@ -41,6 +60,20 @@ std::optional<Options> readOptions(int argc, char** argv, int* status) {
       ->type_name("DIR")
       ->capture_default_str();
   app.add_option("--video", options.video, "play this file instead of the test picture")->type_name("FILE");
+  app.add_option("--audio", options.audio,
+                 "play the sound of this file instead of the video's own, or a tone")
+      ->type_name("FILE");
+  app.add_option("--sounds", sounds,
+                 "which streams of sound to play: media,guidance,system,telephony or none")
+      ->delimiter(',')
+      ->check(checkSound)
+      ->type_name("LIST")
+      ->capture_default_str();
+  app.add_option("--microphone", options.microphone, "write what the car's microphone hears to this file")
+      ->type_name("FILE.wav");
+  app.add_option("--record", options.record,
+                 "write what sensors, keys and touches tell to this file, a line each")
+      ->type_name("FILE.jsonl");
   app.add_option("--size", size, "800x480, 1280x720 or 1920x1080, if the head unit allows it")
       ->check(CLI::IsMember(sizes).description(""))
       ->type_name("SIZE")
@@ -52,9 +85,10 @@ std::optional<Options> readOptions(int argc, char** argv, int* status) {
   app.add_option("--frames", options.frames, "end after so many frames; 0 for no limit")
       ->check(CLI::NonNegativeNumber)
       ->type_name("N");
-  app.add_flag("--loop", options.loop, "start the file again at its end");
+  app.add_flag("--loop", options.loop, "start the files again at their end");
   app.add_flag("--fast", options.fast, "send as quickly as the head unit acknowledges");
-  app.add_option("--stats", options.stats, "write figures about the link to this file")->type_name("FILE.json");
+  app.add_option("--stats", options.stats, "write figures about the link to this file")
+      ->type_name("FILE.json");
   app.add_flag("--verbose", options.verbose, "log every step of the link");
 
   try {
@@ -66,6 +100,7 @@ std::optional<Options> readOptions(int argc, char** argv, int* status) {
   options.listens = connect.empty();
   options.endpoint = *parseEndpoint(options.listens ? listen : connect);
   options.size = sizes.at(size);
+  options.sounds = soundsOf(sounds);
   return options;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "phone/Discovery.h"
 #include "phone/Socket.h"
@@ -16,6 +17,10 @@ struct Options {
   Endpoint endpoint;
   std::string credentials = "credentials";
   std::string video;  ///< Empty: the test picture.
+  std::string audio;  ///< Empty: the video's own sound, or a tone.
+  std::vector<AudioStreamType> sounds;
+  std::string microphone;  ///< Empty: it is left alone.
+  std::string record;      ///< Empty: what the car tells is not kept.
   PictureSize size;
   int fps = 30;
   std::int64_t frames = 0;

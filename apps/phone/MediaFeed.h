@@ -1,6 +1,8 @@
 #ifndef PHONE_MEDIAFEED_H
 #define PHONE_MEDIAFEED_H
 
+#include <optional>
+
 #include "phone/Bytes.h"
 #include "phone/Timers.h"
 
@@ -25,6 +27,10 @@ class MediaFeed {
   /// Sent once before the first unit; empty if the codec needs none.
   virtual Bytes codecConfig() = 0;
   virtual Pull next(MediaUnit* unit) = 0;
+  /// When the next unit is due, where that is known before it is made: a live one is then made no earlier.
+  virtual std::optional<Micros> nextDue() const { return std::nullopt; }
+  /// The unit that next() gave last has been handed to the link.
+  virtual void onSent(const MediaUnit&) {}
 };
 
 }  // namespace phone

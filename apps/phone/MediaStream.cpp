@@ -18,11 +18,7 @@ constexpr Micros waitForOutput = 1000;
 }  // namespace
 
 MediaStream::MediaStream(PhoneLink* link, Timers* timers, StreamOptions options, Opener opener, Done done)
-    : link_(link),
-      timers_(timers),
-      options_(options),
-      opener_(std::move(opener)),
-      done_(std::move(done)) {}
+    : link_(link), timers_(timers), options_(options), opener_(std::move(opener)), done_(std::move(done)) {}
 
 MediaStream::~MediaStream() {
   cancelTimers();
@@ -57,12 +53,15 @@ void MediaStream::onRefused(MessageStatus status) {
 void MediaStream::onMessage(const Message& message) {
   if (isOver()) return;
   switch (message.type()) {
-    case MESSAGE_CONFIG: return onConfig(message);
-    case MESSAGE_ACK: return onAck(message);
+    case MESSAGE_CONFIG:
+      return onConfig(message);
+    case MESSAGE_ACK:
+      return onAck(message);
     case MESSAGE_UNEXPECTED_MESSAGE:
       return fail("does not accept a message of the stream",
                   "the service that was opened may be another than its list says");
-    default: return;
+    default:
+      return;
   }
 }
 
@@ -126,7 +125,7 @@ void MediaStream::onAck(const Message& message) {
 // ---- Sending ----
 
 void MediaStream::pump() {
-  while (state_ == State::streaming && hasRoom() && fetch() && !waitsForItsTime()) sendUnit();
+  while (state_ == State::streaming && hasRoom() && fetch() && !waitsUntil(next_->due)) sendUnit();
 }
 
 bool MediaStream::hasRoom() {
@@ -145,30 +144,54 @@ bool MediaStream::fetch() {
   if (options_.unitLimit != 0 && stats_.units == options_.unitLimit) return drain();
   if (sentAt_.size() >= maxUnacked_) return false;
   if (next_) return true;
+  const std::optional<Micros> due = feed_->nextDue();
+  if (due && waitsUntil(*due)) return false;
   MediaUnit unit;
   switch (feed_->next(&unit)) {
-    case MediaFeed::Pull::unit: next_ = std::move(unit); return true;
-    case MediaFeed::Pull::later: return false;
-    case MediaFeed::Pull::end: break;
+    case MediaFeed::Pull::unit:
+      next_ = std::move(unit);
+      return true;
+    case MediaFeed::Pull::later:
+      return false;
+    case MediaFeed::Pull::end:
+      break;
   }
   return drain();
 }
 
-bool MediaStream::waitsForItsTime() {
+bool MediaStream::waitsUntil(Micros time) {
+  if (horizon_) return time > *horizon_;
   if (!options_.paced) return false;
-  const Micros now = timers_->now();
-  if (!epoch_ || now - (*epoch_ + next_->due) > patience) epoch_ = now - next_->due;
-  const Micros due = *epoch_ + next_->due;
-  if (due <= now) return false;
+  const Micros due = dueAt(time);
+  if (due <= timers_->now()) return false;
   pumpAt(due);
   return true;
+}
+
+// A stream that begins late joins the others where they are; one that falls behind later holds them up.
+Micros MediaStream::dueAt(Micros time) {
+  MediaClock& clock = options_.clock != nullptr ? *options_.clock : ownClock_;
+  const Micros now = timers_->now();
+  if (!clock.runs()) clock.set(time, now);
+  const Micros late = now - clock.at(origin_ + time);
+  if (late > patience && stats_.units == 0) {
+    origin_ += late;
+  } else if (late > patience) {
+    clock.set(origin_ + time, now);
+  }
+  return clock.at(origin_ + time);
+}
+
+void MediaStream::follow(Micros time) {
+  horizon_ = time;
+  pump();
 }
 
 void MediaStream::sendUnit() {
   Bytes message;
   message.reserve(10 + next_->data.size());
   appendBigEndian(&message, static_cast<std::uint16_t>(MESSAGE_MEDIA_DATA));
-  appendBigEndian(&message, static_cast<std::uint64_t>(next_->timestamp));
+  appendBigEndian(&message, static_cast<std::uint64_t>(origin_ + next_->timestamp));
   append(&message, next_->data);
   link_->sendMessage(channel_, message);
 
@@ -177,6 +200,7 @@ void MediaStream::sendUnit() {
   ++stats_.units;
   stats_.bytes += next_->data.size();
   stats_.mostUnacknowledged = std::max(stats_.mostUnacknowledged, sentAt_.size());
+  feed_->onSent(*next_);
   next_.reset();
 }
 

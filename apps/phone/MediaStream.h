@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "phone/MediaClock.h"
 #include "phone/MediaFeed.h"
 #include "phone/PhoneLink.h"
 #include "phone/Timers.h"
@@ -15,10 +16,11 @@ namespace phone {
 struct StreamOptions {
   MediaCodecType codec = MEDIA_CODEC_VIDEO;
   int sessionId = 1;
-  bool paced = true;                ///< False: as quick as the acknowledgements allow.
-  std::uint64_t unitLimit = 0;      ///< Stop after so many units; 0 for no limit.
-  Micros answerLimit = 4'000'000;   ///< How long the head unit may take to open, to configure, to acknowledge.
-  Micros drainLimit = 1'000'000;    ///< How long Stop waits at the end for the last acknowledgements.
+  bool paced = true;               ///< False: as quick as the acknowledgements allow.
+  MediaClock* clock = nullptr;     ///< Shared with other streams; null for one of its own.
+  std::uint64_t unitLimit = 0;     ///< Stop after so many units; 0 for no limit.
+  Micros answerLimit = 4'000'000;  ///< How long the head unit may take to open, to configure, to acknowledge.
+  Micros drainLimit = 1'000'000;   ///< How long Stop waits at the end for the last acknowledgements.
 };
 
 struct StreamStats {
@@ -27,7 +29,8 @@ struct StreamStats {
   std::uint64_t acknowledged = 0;
   std::uint64_t surplusAcks = 0;  ///< Acknowledged without having been sent: the head unit miscounts.
   std::size_t mostUnacknowledged = 0;
-  std::vector<Micros> ackLatencies;  ///< From handing over to acknowledgement, one for each acknowledged unit.
+  std::vector<Micros>
+      ackLatencies;  ///< From handing over to acknowledgement, one for each acknowledged unit.
   Micros started = 0;
   Micros finished = 0;
 };
@@ -55,6 +58,9 @@ class MediaStream : public ChannelHandler {
   void start(std::uint8_t channel, int serviceId);
   /// Sends Stop now if the stream runs. `done` is called as at a clean end.
   void stop();
+  /// Sends what is due up to `time` of the stream and then waits for the next such call, whatever the clock
+  /// says.
+  void follow(Micros time);
   /// The feed that said `later` has something.
   void resume() { pump(); }
 
@@ -76,7 +82,8 @@ class MediaStream : public ChannelHandler {
   bool hasRoom();
   void pumpAt(Micros due);
   bool fetch();
-  bool waitsForItsTime();
+  bool waitsUntil(Micros time);
+  Micros dueAt(Micros time);
   void sendUnit();
   bool drain();
   void finishPlayed();
@@ -98,8 +105,10 @@ class MediaStream : public ChannelHandler {
   std::uint32_t maxUnacked_ = 0;
   std::unique_ptr<MediaFeed> feed_;
   std::optional<MediaUnit> next_;
-  std::optional<Micros> epoch_;  ///< The clock's time at the stream's time 0.
-  std::deque<Micros> sentAt_;    ///< When the units that are still unacknowledged left.
+  MediaClock ownClock_;
+  Micros origin_ = 0;              ///< The clock's time at the stream's time 0.
+  std::optional<Micros> horizon_;  ///< See follow().
+  std::deque<Micros> sentAt_;      ///< When the units that are still unacknowledged left.
   std::optional<Timers::Id> pace_;
   std::optional<Timers::Id> limit_;
   StreamStats stats_;

@@ -8,7 +8,17 @@ namespace {
 
 class VideoFeed : public MediaFeed {
  public:
-  explicit VideoFeed(std::unique_ptr<VideoSource> source) : source_(std::move(source)) {}
+  VideoFeed(std::unique_ptr<VideoSource> source, VideoCompany company)
+      : source_(std::move(source)),
+        company_(std::move(company)),
+        live_(company_.touches != nullptr ? dynamic_cast<TestPictureSource*>(source_.get()) : nullptr) {
+    if (live_ != nullptr) company_.touches->setPicture(live_);
+  }
+  ~VideoFeed() override {
+    if (live_ != nullptr) company_.touches->setPicture(nullptr);
+  }
+  VideoFeed(const VideoFeed&) = delete;
+  VideoFeed& operator=(const VideoFeed&) = delete;
 
   Bytes codecConfig() override { return source_->codecConfig(); }
 
@@ -19,15 +29,28 @@ class VideoFeed : public MediaFeed {
     return Pull::unit;
   }
 
+  std::optional<Micros> nextDue() const override {
+    return live_ != nullptr ? std::optional<Micros>(live_->nextDueUs()) : std::nullopt;
+  }
+
+  void onSent(const MediaUnit& unit) override {
+    if (live_ != nullptr) company_.touches->onPictureSent(live_->shownTouchSequence());
+    if (company_.onSent) company_.onSent(unit.due);
+  }
+
  private:
   std::unique_ptr<VideoSource> source_;
+  VideoCompany company_;
+  TestPictureSource* live_;
 };
 
 }  // namespace
 
-MediaStream::Opener videoOpener(const MediaSinkService& sink, VideoWish wish, VideoFactory make) {
-  return [sink, wish, make = std::move(make)](const std::vector<std::uint32_t>& allowed, std::uint32_t* index,
-                                              LinkEnd* problem) -> std::unique_ptr<MediaFeed> {
+MediaStream::Opener videoOpener(const MediaSinkService& sink, VideoWish wish, VideoFactory make,
+                                VideoCompany company) {
+  return [sink, wish, make = std::move(make), company = std::move(company)](
+             const std::vector<std::uint32_t>& allowed, std::uint32_t* index,
+             LinkEnd* problem) -> std::unique_ptr<MediaFeed> {
     const std::optional<std::uint32_t> chosen = chooseVideo(sink, allowed, wish.size, wish.fps);
     if (!chosen) {
       *problem = {false, Side::headUnit, "its Config allows none of the video configurations that it offers",
@@ -38,7 +61,7 @@ MediaStream::Opener videoOpener(const MediaSinkService& sink, VideoWish wish, Vi
     std::string error;
     const VideoConfiguration& configuration = sink.video_configs(static_cast<int>(*chosen));
     auto source = make(sizeOf(configuration.codec_resolution()), &error);
-    if (source) return std::make_unique<VideoFeed>(std::move(source));
+    if (source) return std::make_unique<VideoFeed>(std::move(source), company);
     *problem = {false, Side::phone, error, "choose another --video or --size"};
     return nullptr;
   };

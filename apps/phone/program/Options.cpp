@@ -35,58 +35,53 @@ std::string checkEndpoint(const std::string& text) {
   return parseEndpoint(text) ? "" : "\"" + text + "\" is not HOST:PORT";
 }
 
+struct Texts {
+  std::string connect;
+  std::string listen;
+  std::string size = "800x480";
+};
+
+void addPeer(CLI::App* app, Texts* texts) {
+  auto* peer = app->add_option_group("Peer", "exactly one of");
+  peer->add_option("--connect", texts->connect, "connect to a head unit that listens there")
+      ->check(checkEndpoint)
+      ->type_name("HOST:PORT");
+  peer->add_option("--listen", texts->listen, "wait there for a head unit that connects")
+      ->check(checkEndpoint)
+      ->type_name("HOST:PORT");
+  peer->require_option(1);
+}
+
+void addPicture(CLI::App* app, Options* options, Texts* texts) {
+  app->add_option("--video", options->video, "play this file instead of the test picture")->type_name("FILE");
+  app->add_option("--size", texts->size, "800x480, 1280x720 or 1920x1080, if the head unit allows it")
+      ->check(CLI::IsMember(sizes).description(""))
+      ->type_name("SIZE")
+      ->capture_default_str();
+  app->add_option("--fps", options->fps, "frames a second of a picture that is encoded here")
+      ->check(CLI::Range(1, 120).description(""))
+      ->type_name("N")
+      ->capture_default_str();
+  app->add_option("--frames", options->frames, "end after so many frames; 0 for no limit")
+      ->check(CLI::NonNegativeNumber.description(""))
+      ->type_name("N");
+  app->add_flag("--loop", options->loop, "start the file again at its end");
+  app->add_flag("--fast", options->fast, "send as quickly as the head unit acknowledges");
+}
+
 }  // namespace
 
 std::optional<Options> readOptions(int argc, char** argv, int* status) {
   Options options;
-  std::string connect;
-  std::string listen;
-  std::string size = "800x480";
-  std::vector<std::string> sounds = {"media", "guidance", "system", "telephony"};
-
-  CLI::App app(
-      "Plays a phone: brings up a projection link to a head unit and streams picture and sound to it.",
-      "vantry-phone");
+  Texts texts;
+  CLI::App app("Plays a phone: brings up a projection link to a head unit and streams a picture to it.",
+               "vantry-phone");
   app.footer(footer);
-  auto* peer = app.add_option_group("Peer", "exactly one of");
-  peer->add_option("--connect", connect, "connect to a head unit that listens there")
-      ->check(checkEndpoint)
-      ->type_name("HOST:PORT");
-  peer->add_option("--listen", listen, "wait there for a head unit that connects")
-      ->check(checkEndpoint)
-      ->type_name("HOST:PORT");
-  peer->require_option(1);
+  addPeer(&app, &texts);
   app.add_option("--credentials", options.credentials, "folder of root.pem, phone.pem and phone.key")
       ->type_name("DIR")
       ->capture_default_str();
-  app.add_option("--video", options.video, "play this file instead of the test picture")->type_name("FILE");
-  app.add_option("--audio", options.audio,
-                 "play the sound of this file instead of the video's own, or a tone")
-      ->type_name("FILE");
-  app.add_option("--sounds", sounds,
-                 "which streams of sound to play: media,guidance,system,telephony or none")
-      ->delimiter(',')
-      ->check(checkSound)
-      ->type_name("LIST")
-      ->capture_default_str();
-  app.add_option("--microphone", options.microphone, "write what the car's microphone hears to this file")
-      ->type_name("FILE.wav");
-  app.add_option("--record", options.record,
-                 "write what sensors, keys and touches tell to this file, a line each")
-      ->type_name("FILE.jsonl");
-  app.add_option("--size", size, "800x480, 1280x720 or 1920x1080, if the head unit allows it")
-      ->check(CLI::IsMember(sizes).description(""))
-      ->type_name("SIZE")
-      ->capture_default_str();
-  app.add_option("--fps", options.fps, "frames a second of a picture that is encoded here")
-      ->check(CLI::Range(1, 120).description(""))
-      ->type_name("N")
-      ->capture_default_str();
-  app.add_option("--frames", options.frames, "end after so many frames; 0 for no limit")
-      ->check(CLI::NonNegativeNumber)
-      ->type_name("N");
-  app.add_flag("--loop", options.loop, "start the files again at their end");
-  app.add_flag("--fast", options.fast, "send as quickly as the head unit acknowledges");
+  addPicture(&app, &options, &texts);
   app.add_option("--stats", options.stats, "write figures about the link to this file")
       ->type_name("FILE.json");
   app.add_flag("--verbose", options.verbose, "log every step of the link");
@@ -97,10 +92,9 @@ std::optional<Options> readOptions(int argc, char** argv, int* status) {
     *status = app.exit(error) == 0 ? 0 : 1;
     return std::nullopt;
   }
-  options.listens = connect.empty();
-  options.endpoint = *parseEndpoint(options.listens ? listen : connect);
-  options.size = sizes.at(size);
-  options.sounds = soundsOf(sounds);
+  options.listens = texts.connect.empty();
+  options.endpoint = *parseEndpoint(options.listens ? texts.listen : texts.connect);
+  options.size = sizes.at(texts.size);
   return options;
 }
 

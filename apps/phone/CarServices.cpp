@@ -1,0 +1,30 @@
+#include "phone/CarServices.h"
+
+#include <utility>
+
+namespace phone {
+
+CarServices::CarServices(PhoneLink* link, const Timers* timers, CarOptions options)
+    : link_(link), options_(std::move(options)), touches_(timers) {}
+
+void CarServices::open(const ServiceDiscoveryResponse& services) {
+  if (const Service* service = findSensors(services)) {
+    sensors_ = std::make_unique<SensorReader>(link_, options_.listener);
+    sensors_->open(link_->unusedChannel(), *service);
+  }
+  if (const Service* service = findInput(services)) {
+    input_ = std::make_unique<InputReader>(link_, &touches_, options_.listener);
+    input_->open(link_->unusedChannel(), *service);
+  }
+  const Service* service = findMicrophone(services);
+  if (service == nullptr || !options_.recordMicrophone) return;
+  microphone_ =
+      std::make_unique<Microphone>(link_, options_.microphoneMaxUnacked, options_.recordMicrophone, problem_);
+  microphone_->open(link_->unusedChannel(), *service);
+}
+
+void CarServices::close() {
+  if (microphone_) microphone_->close();
+}
+
+}  // namespace phone

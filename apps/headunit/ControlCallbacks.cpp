@@ -22,7 +22,9 @@ void ControlCallbacks::pingResponse(long long timestamp) {
   stats_->pinged(now - microseconds(timestamp));
 }
 
-void ControlCallbacks::navigationFocusRequest(NavFocusType focusType) { controller_->setNavigationFocus(focusType); }
+void ControlCallbacks::navigationFocusRequest(NavFocusType focusType) {
+  controller_->setNavigationFocus(focusType);
+}
 
 void ControlCallbacks::byeByeRequest(ByeByeReason) {
   controller_->sendByeByeResponse();
@@ -37,8 +39,8 @@ void ControlCallbacks::voiceSessionNotification(VoiceSessionStatus status) {
   spdlog::debug("Voice session: {}", static_cast<int>(status));
 }
 
-// This car has no sound of its own that the phone would have to share with: it gets what it asks for. States 1 to 4
-// stand for the four requests.
+// This car has no sound of its own that the phone would have to share with: it gets what it asks for. States
+// 1 to 4 stand for the four requests.
 void ControlCallbacks::audioFocusRequest(AudioFocusRequestType request) {
   if (!AudioFocusRequestType_IsValid(request)) return;
   controller_->setAudioFocus(static_cast<AudioFocusStateType>(request), false);

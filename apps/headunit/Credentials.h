@@ -12,12 +12,13 @@ struct Credentials {
   std::string key;
 };
 
-/// Reads `root.pem`, `headunit.pem` and `headunit.key` of a folder, and checks that certificate and key belong
-/// together. Nothing on failure, with a whole sentence on what is wrong and what to do in `*error`.
+/// Reads `root.pem`, `headunit.pem` and `headunit.key` of a folder, and checks that certificate and key
+/// belong together. Nothing on failure, with a whole sentence on what is wrong and what to do in `*error`.
 std::optional<Credentials> loadCredentials(const std::string& folder, std::string* error);
 
-/// A sentence on what a phone may object to (the certificate has expired, is not valid yet, or is not signed by the
-/// root), or an empty text. It is the phone that judges, and by its own clock: such credentials can still be used.
+/// A sentence on what a phone may object to (the certificate has expired, is not valid yet, or is not signed
+/// by the root), or an empty text. It is the phone that judges, and by its own clock: such credentials can
+/// still be used.
 std::string doubtsAbout(const Credentials& credentials);
 
 }  // namespace headunit

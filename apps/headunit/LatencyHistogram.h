@@ -7,8 +7,8 @@
 
 namespace headunit {
 
-/// Counts durations for percentiles, in the same small memory however many there are. Up to 128 us they are exact,
-/// above that a percentile is at most 1.6 % too high. Not for several threads at once.
+/// Counts durations for percentiles, in the same small memory however many there are. Up to 128 us they are
+/// exact, above that a percentile is at most 1.6 % too high. Not for several threads at once.
 class LatencyHistogram {
  public:
   /// Negative durations count as 0.

@@ -14,8 +14,8 @@ struct Rect {
   int height = 0;
 };
 
-/// Where a picture goes in a window: as large as it can be with its proportions kept, in the middle. Empty if either
-/// is empty.
+/// Where a picture goes in a window: as large as it can be with its proportions kept, in the middle. Empty if
+/// either is empty.
 Rect fitted(Size picture, Size window);
 
 }  // namespace headunit

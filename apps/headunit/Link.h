@@ -25,8 +25,9 @@ struct Equipment {
   RecentLines* libraryLines = nullptr;
 };
 
-/// One phone: the receiver, its endpoints and their callbacks, the transport and the way of the video. It is used
-/// for one connection and no second one. All operations are its owner's, on a thread that is none of the link's.
+/// One phone: the receiver, its endpoints and their callbacks, the transport and the way of the video. It is
+/// used for one connection and no second one. All operations are its owner's, on a thread that is none of the
+/// link's.
 class Link {
  public:
   /// `wake` is raised whenever `view` has changed.

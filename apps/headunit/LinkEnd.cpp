@@ -1,5 +1,7 @@
 #include "headunit/LinkEnd.h"
 
+#include <algorithm>
+
 namespace headunit {
 namespace {
 
@@ -15,27 +17,34 @@ std::string textBehind(const std::string& mark, const std::vector<std::string>& 
   return {};
 }
 
+bool anyHas(const std::string& mark, const std::vector<std::string>& logLines) {
+  return std::any_of(logLines.begin(), logLines.end(),
+                     [&mark](const std::string& line) { return line.find(mark) != std::string::npos; });
+}
+
 }  // namespace
 
 std::string LinkEnd::words() const {
-  return (side.empty() ? "" : side + ": ") + what + (advice.empty() ? "" : "; " + advice);
+  return (side.empty() ? "" : "The " + side + ": ") + what + (advice.empty() ? "" : "; " + advice);
 }
 
 LinkEnd explainAuthenticationFailure(const std::vector<std::string>& logLines) {
   const std::string verdict = textBehind("[LHU] Verify, ret: 0, ", logLines);
   if (verdict.empty()) {
     return {false, "phone",
-            "the TLS handshake failed: it refused this head unit's certificate, or does not speak TLS 1.2", SAME_ROOT};
+            "the TLS handshake failed: it refused this head unit's certificate, or does not speak TLS 1.2",
+            SAME_ROOT};
   }
   const std::string reason = textBehind("returned: ", {verdict});
   return {false, "phone", "its certificate is not to be trusted: " + reason, SAME_ROOT};
 }
 
 LinkEnd explainBrokenStream(const std::vector<std::string>& logLines) {
-  if (!textBehind("decryption pipeline!", logLines).empty() || !textBehind("Detailed error=", logLines).empty()) {
+  if (anyHas("decryption pipeline!", logLines) || anyHas("Detailed error=", logLines)) {
     return {false, "phone", "it sent a frame that cannot be decrypted", "connect it again"};
   }
-  return {false, "phone", "it sent bytes that make no frame", "check that a phone is what connects to this port"};
+  return {false, "phone", "it sent bytes that make no frame",
+          "check that a phone is what connects to this port"};
 }
 
 }  // namespace headunit

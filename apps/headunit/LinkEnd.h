@@ -13,7 +13,7 @@ struct LinkEnd {
   std::string what;    ///< a sentence without its full stop
   std::string advice;  ///< what to do about it; empty after a clean end
 
-  std::string words() const;  ///< "phone: WHAT; ADVICE"
+  std::string words() const;  ///< "The phone: WHAT; ADVICE"
 
   static LinkEnd cleanly(const std::string& what) { return {true, {}, what, {}}; }
 };

@@ -14,10 +14,10 @@ struct LinkNews {
   bool versionAccepted = false;
   std::optional<int> authentication;  ///< the handshake has ended, with this status
   std::string phoneName;
-  bool beyondRepair = false;    ///< IControllerCallbacks::unrecoverableError
-  bool phoneSaidBye = false;    ///< and has been answered
+  bool beyondRepair = false;  ///< IControllerCallbacks::unrecoverableError
+  bool phoneSaidBye = false;  ///< and has been answered
   bool phoneAnsweredBye = false;
-  bool stopped = false;         ///< no bytes are transferred any more
+  bool stopped = false;  ///< no bytes are transferred any more
 };
 
 /// Where the threads of a link note its news for the one that watches over it.

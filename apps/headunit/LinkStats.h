@@ -31,10 +31,10 @@ struct Latency {
 };
 
 struct VideoLatencies {
-  Latency socketToReceived;   ///< decryption and putting together
+  Latency socketToReceived;  ///< decryption and putting together
   Latency receivedToDequeued;
   Latency dequeuedToDecoded;
-  Latency socketToDecoded;    ///< the three together
+  Latency socketToDecoded;  ///< the three together
   Latency decodedToShown;
 };
 

@@ -51,7 +51,8 @@ std::optional<LinkEnd> LinkWatch::endOf(const LinkView& view, TimePoint now) {
   }
   if (leftAt_) {
     if (news.phoneAnsweredBye) return LinkEnd::cleanly(leftBecause_);
-    if (hasPassed(*leftAt_, limits_.goodbye, now)) return LinkEnd::cleanly(leftBecause_ + " (it did not say good-bye)");
+    if (hasPassed(*leftAt_, limits_.goodbye, now))
+      return LinkEnd::cleanly(leftBecause_ + " (it did not say good-bye)");
     return {};
   }
   if (news.phoneSaidBye) {
@@ -63,11 +64,13 @@ std::optional<LinkEnd> LinkWatch::endOf(const LinkView& view, TimePoint now) {
     return {};
   }
   if (hasPassed(view.lastHeard, limits_.silence, now)) {
-    return LinkEnd{false, "phone", "nothing has come from it for " + seconds(limits_.silence) + ", not even to a ping",
+    return LinkEnd{false, "phone",
+                   "nothing has come from it for " + seconds(limits_.silence) + ", not even to a ping",
                    "check that it still runs and that the connection stands"};
   }
   if (view.failingSince && hasPassed(*view.failingSince, limits_.undecodable, now)) {
-    return LinkEnd{false, "phone", "for " + seconds(limits_.undecodable) + " no picture could be decoded of its video",
+    return LinkEnd{false, "phone",
+                   "for " + seconds(limits_.undecodable) + " no picture could be decoded of its video",
                    "check that it sends H.264 and that its file is whole"};
   }
   return {};
@@ -77,7 +80,8 @@ LinkEnd LinkWatch::endOfStopped(const LinkView& view) const {
   const LinkNews& news = view.news;
   if (news.phoneSaidBye) return LinkEnd::cleanly("the phone said good-bye");
   if (leftAt_) return LinkEnd::cleanly(leftBecause_);
-  if (news.beyondRepair && news.authentication.value_or(0) != 0) return explainAuthenticationFailure(view.logLines);
+  if (news.beyondRepair && news.authentication.value_or(0) != 0)
+    return explainAuthenticationFailure(view.logLines);
   if (news.beyondRepair || view.brokenBy.empty()) return explainBrokenStream(view.logLines);
   if (news.authentication) {
     return {false, "phone", "it went away without a good-bye (" + view.brokenBy + ")",
@@ -89,7 +93,7 @@ LinkEnd LinkWatch::endOfStopped(const LinkView& view) const {
 
 LinkEnd LinkWatch::handshakeTimeout(const LinkView& view) const {
   const std::string limit = " within " + seconds(limits_.handshake);
-  if (view.lastHeard <= started_) {
+  if (!view.anythingHeard) {
     return {false, "phone", "it said nothing" + limit, "check that a phone is what connects to this port"};
   }
   const bool answered = std::any_of(view.logLines.begin(), view.logLines.end(), [](const std::string& line) {

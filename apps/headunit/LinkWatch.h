@@ -13,18 +13,19 @@ namespace headunit {
 /// How long the head unit waits for a phone.
 struct LinkLimits {
   milliseconds handshake{4000};
-  milliseconds silence{4000};    ///< after the handshake, pings included
+  milliseconds silence{4000};  ///< after the handshake, pings included
   milliseconds pingEvery{1000};
-  milliseconds goodbye{1500};    ///< for the answer to our good-bye
-  milliseconds hangUp{1000};     ///< for the phone to close the connection after its own
-  milliseconds lastWord{300};    ///< for an AuthResponse that says no to get out
+  milliseconds goodbye{1500};  ///< for the answer to our good-bye
+  milliseconds hangUp{1000};   ///< for the phone to close the connection after its own
+  milliseconds lastWord{300};  ///< for an AuthResponse that says no to get out
   milliseconds undecodable{4000};
 };
 
 /// All that is known of a link at one moment.
 struct LinkView {
   LinkNews news;
-  TimePoint lastHeard;                    ///< when bytes last came
+  TimePoint lastHeard;  ///< when bytes last came; at first, when the link began
+  bool anythingHeard = false;
   std::string brokenBy;                   ///< why the byte stream ended by itself; empty while it has not
   std::optional<TimePoint> failingSince;  ///< frames come, but no pictures of them
   std::vector<std::string> logLines;      ///< the library's latest

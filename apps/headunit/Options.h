@@ -21,8 +21,8 @@ struct Options {
   bool verbose = false;
 };
 
-/// Reads the command line. Nothing if the program is to end now, with `*exitStatus`: 0 after --help, 1 after a
-/// mistake, which has been told on stderr.
+/// Reads the command line. Nothing if the program is to end now, with `*exitStatus`: 0 after --help, 1 after
+/// a mistake, which has been told on stderr.
 std::optional<Options> parseOptions(int argc, char** argv, int* exitStatus);
 
 }  // namespace headunit

@@ -11,8 +11,8 @@ namespace headunit {
 
 class LinkStats;
 
-/// A decoded picture: luma at full size, two colour planes at half the width and height. Copies share the pixels,
-/// which nobody changes any more.
+/// A decoded picture: luma at full size, two colour planes at half the width and height. Copies share the
+/// pixels, which nobody changes any more.
 struct Picture {
   struct Plane {
     const std::uint8_t* data = nullptr;

@@ -9,8 +9,8 @@
 
 namespace headunit {
 
-/// Hands over one thing at a time, and the newest wins: what has not been taken when the next one comes is dropped
-/// and counted. Neither side ever waits for the other to be done.
+/// Hands over one thing at a time, and the newest wins: what has not been taken when the next one comes is
+/// dropped and counted. Neither side ever waits for the other to be done.
 template <class T>
 class NewestWins {
  public:

@@ -19,7 +19,8 @@ std::string progressText(const VideoTotals& totals, const VideoLatencies& latenc
   const Latency& latency = latencies.socketToDecoded;
   return fmt::format("{}x{}  {} frames  {:.0f} fps  {} dropped  socket to decoded {:.1f} ms (p99 {:.1f} ms)",
                      totals.width, totals.height, totals.frames, framesPerSecond, totals.dropped,
-                     static_cast<double>(latency.p50.count()) / 1e3, static_cast<double>(latency.p99.count()) / 1e3);
+                     static_cast<double>(latency.p50.count()) / 1e3,
+                     static_cast<double>(latency.p99.count()) / 1e3);
 }
 
 void Progress::update(const LinkStats& stats, TimePoint now) {

@@ -17,8 +17,8 @@ struct LinkRecord {
   microseconds duration{0};
 };
 
-/// As it goes into the statistics file: JSON with one value or one brace a line, each duration and rate with its unit
-/// at the end of its name.
+/// As it goes into the statistics file: JSON with one value or one brace a line, each duration and rate with
+/// its unit at the end of its name.
 std::string toJson(const LinkRecord& record);
 
 /// Returns false, with the reason in `*error`, if the file cannot be written whole.

@@ -43,7 +43,8 @@ bool Server::listen() {
   std::string error;
   listener_ = listenOn(options_.listen, &error);
   if (!listener_) {
-    spdlog::error("Cannot wait for phones on {}: {}; choose another with --listen.", options_.listen.words(), error);
+    spdlog::error("Cannot wait for phones on {}: {}; choose another with --listen.", options_.listen.words(),
+                  error);
     return false;
   }
   std::printf("listening on %s\n", localAddress(listener_).words().c_str());
@@ -67,7 +68,8 @@ FileDescriptor Server::acceptPhone() {
   }
 }
 
-// The phone may be about to start, so a refusal is not the last word; after a first link there is no hurry at all.
+// The phone may be about to start, so a refusal is not the last word; after a first link there is no hurry at
+// all.
 FileDescriptor Server::connectToPhone() {
   const TimePoint givesUpAt = Clock::now() + CONNECT_LIMIT;
   for (;;) {
@@ -81,8 +83,8 @@ FileDescriptor Server::connectToPhone() {
       return phone;
     }
     if (!everConnected_ && Clock::now() >= givesUpAt) {
-      spdlog::error("Cannot connect to {}: {}; start the phone first, with --listen.", options_.connect->words(),
-                    error);
+      spdlog::error("Cannot connect to {}: {}; start the phone first, with --listen.",
+                    options_.connect->words(), error);
       status_ = LINK_FAILED;
       return {};
     }
@@ -112,7 +114,8 @@ LinkEnd Server::watchOver(Link* link) {
   LinkWatch watch(Clock::now(), LinkLimits());
   for (;;) {
     wake_.clear();
-    if (quitting_ && !link->view().news.authentication) return LinkEnd::cleanly("interrupted before the handshake");
+    if (quitting_ && !link->view().news.authentication)
+      return LinkEnd::cleanly("interrupted before the handshake");
     leaveIfWanted(link, &watch);
     const LinkWatch::Verdict verdict = watch.look(link->view(), Clock::now());
     if (verdict.end) return *verdict.end;
@@ -125,21 +128,23 @@ LinkEnd Server::watchOver(Link* link) {
 void Server::leaveIfWanted(Link* link, LinkWatch* watch) {
   if (!isDone() || watch->isLeaving()) return;
   link->sayBye();
-  watch->leaving(quitting_ ? "ended by the user" : "all pictures that were wanted have been shown", Clock::now());
+  watch->leaving(quitting_ ? "ended by the user" : "all pictures that were wanted have been shown",
+                 Clock::now());
 }
 
 void Server::settle(LinkRecord record) {
   progress_.clear();
   const VideoTotals totals = record.stats->totals();
   if (record.end.clean && totals.damaged > 0 && totals.decoded == 0) {
-    record.end = {false, "phone", "not one of its " + std::to_string(totals.frames) + " frames could be decoded",
+    record.end = {false, "phone",
+                  "not one of its " + std::to_string(totals.frames) + " frames could be decoded",
                   "check that it sends H.264 and that its file is whole"};
   }
   status_ = record.end.clean ? 0 : LINK_FAILED;
   if (record.end.clean) {
     spdlog::info("The link has ended after {} frames: {}.", totals.frames, record.end.what);
   } else {
-    spdlog::error("The link failed after {} frames. {}.", totals.frames, record.end.words());
+    spdlog::error("The link has failed after {} frames. {}.", totals.frames, record.end.words());
   }
   lastLink_ = std::move(record);
   writeStatistics();

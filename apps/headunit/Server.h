@@ -30,7 +30,8 @@ class Server {
   /// After run: the last link, if there was one.
   const std::optional<LinkRecord>& lastLink() const { return lastLink_; }
 
-  /// Writes the statistics of the last link where the user wants them. False on failure, which has been logged.
+  /// Writes the statistics of the last link where the user wants them. False on failure, which has been
+  /// logged.
   bool writeStatistics() const;
 
  private:

@@ -27,7 +27,8 @@ AddressList resolve(const Address& address, int flags, std::string* error) {
 }
 
 FileDescriptor openSocket(const addrinfo& target) {
-  return FileDescriptor(socket(target.ai_family, target.ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, target.ai_protocol));
+  return FileDescriptor(
+      socket(target.ai_family, target.ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, target.ai_protocol));
 }
 
 Address addressOf(const sockaddr_storage& storage, socklen_t size) {
@@ -117,13 +118,13 @@ FileDescriptor acceptFrom(const FileDescriptor& listener, Address* peer) {
   return socket;
 }
 
-FileDescriptor connectTo(const Address& address, milliseconds limit, const WakeEvent& abort, std::string* error) {
+FileDescriptor connectTo(const Address& address, milliseconds limit, const WakeEvent& abort,
+                         std::string* error) {
   const AddressList targets = resolve(address, 0, error);
   for (const addrinfo* target = targets.get(); target != nullptr; target = target->ai_next) {
     FileDescriptor socket = openSocket(*target);
-    const bool connected =
-        socket && (connect(socket.get(), target->ai_addr, target->ai_addrlen) == 0 ||
-                   (errno == EINPROGRESS && finishConnecting(socket, limit, abort)));
+    const bool connected = socket && (connect(socket.get(), target->ai_addr, target->ai_addrlen) == 0 ||
+                                      (errno == EINPROGRESS && finishConnecting(socket, limit, abort)));
     if (connected) {
       sendWithoutDelay(socket);
       return socket;

@@ -30,6 +30,7 @@ FileDescriptor acceptFrom(const FileDescriptor& listener, Address* peer);
 
 /// Connects within `limit`; returns at once when `abort` is raised. An empty descriptor on failure, with the
 /// reason in `*error`.
-FileDescriptor connectTo(const Address& address, milliseconds limit, const WakeEvent& abort, std::string* error);
+FileDescriptor connectTo(const Address& address, milliseconds limit, const WakeEvent& abort,
+                         std::string* error);
 
 }  // namespace headunit

@@ -17,7 +17,8 @@ bool wouldBlock(int error) { return error == EAGAIN || error == EWOULDBLOCK; }
 
 }  // namespace
 
-TcpTransport::TcpTransport(VantryReceiver* vantryReceiver, FileDescriptor socket, std::function<void()> stopped)
+TcpTransport::TcpTransport(VantryReceiver* vantryReceiver, FileDescriptor socket,
+                           std::function<void()> stopped)
     : Transport(vantryReceiver),
       socket_(std::move(socket)),
       stopped_(std::move(stopped)),

@@ -15,17 +15,20 @@ namespace headunit {
 /// A Transport over a connected TCP socket.
 class TcpTransport : public Transport {
  public:
-  /// `socket` is non-blocking. `stopped` is called on whichever thread stops the link, possibly several times.
+  /// `socket` is non-blocking. `stopped` is called on whichever thread stops the link, possibly several
+  /// times.
   TcpTransport(VantryReceiver* vantryReceiver, FileDescriptor socket, std::function<void()> stopped);
 
-  /// Blocked transfers end at once, because they wait for an event as well as for the socket; the peer learns of
-  /// the end by the shutdown of the socket.
+  /// Blocked transfers end at once, because they wait for an event as well as for the socket; the peer learns
+  /// of the end by the shutdown of the socket.
   void abortTransfers() override;
   int read(void* data, unsigned int length) override;
   int write(void* data, unsigned int length) override;
 
   /// Reader thread: when the bytes that are being handled left the socket.
-  TimePoint lastReadAt() const { return TimePoint(Clock::duration(lastRead_.load(std::memory_order_relaxed))); }
+  TimePoint lastReadAt() const {
+    return TimePoint(Clock::duration(lastRead_.load(std::memory_order_relaxed)));
+  }
   std::uint64_t bytesRead() const { return bytesRead_; }
   std::uint64_t bytesWritten() const { return bytesWritten_; }
 

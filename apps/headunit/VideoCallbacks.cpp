@@ -4,8 +4,8 @@
 
 namespace headunit {
 
-void VideoCallbacks::dataAvailable(int sessionId, unsigned long long timestamp, ::shared_ptr<IoBuffer> const& buffer,
-                                   void* data, unsigned int length) {
+void VideoCallbacks::dataAvailable(int sessionId, unsigned long long timestamp,
+                                   ::shared_ptr<IoBuffer> const& buffer, void* data, unsigned int length) {
   VideoFrame frame;
   frame.buffer = buffer;
   frame.offset = static_cast<unsigned int>(static_cast<unsigned char*>(data) - buffer->data);
@@ -24,7 +24,9 @@ void VideoCallbacks::codecConfig(void* data, unsigned int length) {
 
 int VideoCallbacks::setup(int) { return 0; }
 
-void VideoCallbacks::playbackStart(int sessionId) { spdlog::debug("The video starts, session {}.", sessionId); }
+void VideoCallbacks::playbackStart(int sessionId) {
+  spdlog::debug("The video starts, session {}.", sessionId);
+}
 
 void VideoCallbacks::playbackStop(int sessionId) { spdlog::debug("The video stops, session {}.", sessionId); }
 

@@ -18,8 +18,8 @@ class VideoCallbacks : public IVideoSinkCallbacks {
   /// Before the link starts: where focus requests are answered.
   void answerThrough(VideoSink* sink) { sink_ = sink; }
 
-  void dataAvailable(int sessionId, unsigned long long timestamp, ::shared_ptr<IoBuffer> const& buffer, void* data,
-                     unsigned int length) override;
+  void dataAvailable(int sessionId, unsigned long long timestamp, ::shared_ptr<IoBuffer> const& buffer,
+                     void* data, unsigned int length) override;
   void codecConfig(void* data, unsigned int length) override;
   int setup(int mediaCodecType) override;
   void playbackStart(int sessionId) override;

@@ -30,8 +30,9 @@ struct VideoFrame {
   unsigned char* data() const { return buffer->data + offset; }
 };
 
-/// Puts `padding` zero bytes behind the frame, which decoders ask for, without copying it where the allocator has
-/// room behind the buffer: growing a block then only moves its end. The frame's data may stand elsewhere afterwards.
+/// Puts `padding` zero bytes behind the frame, which decoders ask for, without copying it where the allocator
+/// has room behind the buffer: growing a block then only moves its end. The frame's data may stand elsewhere
+/// afterwards.
 ///
 /// To be called by the only user of the buffer, once the library's callback has been left.
 void padWithZeros(VideoFrame* frame, unsigned int padding);

@@ -35,7 +35,8 @@ std::optional<TimePoint> VideoPipeline::failingSince() const {
 }
 
 void VideoPipeline::run() {
-  for (VideoItem item; queue_.pop(&item); item = CodecConfig()) {  // a frame is not held on to while none comes
+  for (VideoItem item; queue_.pop(&item);
+       item = CodecConfig()) {  // a frame is not held on to while none comes
     if (auto* const config = std::get_if<CodecConfig>(&item)) {
       decoder_->configure(*config);
     } else {

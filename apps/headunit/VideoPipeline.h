@@ -28,8 +28,8 @@ class FrameBudget {
   std::atomic<std::uint64_t> spent_{0};
 };
 
-/// The way of one link's video from the reader thread to the screen: a queue, the decoder on a thread of its own, and
-/// the slot that the screen looks at. Each frame is acknowledged as soon as it has been decoded.
+/// The way of one link's video from the reader thread to the screen: a queue, the decoder on a thread of its
+/// own, and the slot that the screen looks at. Each frame is acknowledged as soon as it has been decoded.
 class VideoPipeline {
  public:
   struct Ends {

@@ -121,7 +121,8 @@ Picture FfmpegDecoder::pictureOf(Owned<AVFrame> frame) {
   picture.times.decoded = Clock::now();
   picture.width = frame->width;
   picture.height = frame->height;
-  for (std::size_t i = 0; i < picture.planes.size(); ++i) picture.planes[i] = {frame->data[i], frame->linesize[i]};
+  for (std::size_t i = 0; i < picture.planes.size(); ++i)
+    picture.planes[i] = {frame->data[i], frame->linesize[i]};
   picture.fullRange = frame->color_range == AVCOL_RANGE_JPEG || frame->format == AV_PIX_FMT_YUVJ420P;
   picture.bt709 = frame->colorspace == AVCOL_SPC_BT709;
   picture.pixels = std::shared_ptr<AVFrame>(frame.release(), Free());
@@ -140,7 +141,8 @@ FfmpegDecoder::Owned<AVFrame> FfmpegDecoder::inPlanes(Owned<AVFrame> frame) {
   scaler_.reset(sws_getCachedContext(scaler_.release(), frame->width, frame->height,
                                      static_cast<AVPixelFormat>(frame->format), frame->width, frame->height,
                                      AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
-  sws_scale(scaler_.get(), frame->data, frame->linesize, 0, frame->height, converted->data, converted->linesize);
+  sws_scale(scaler_.get(), frame->data, frame->linesize, 0, frame->height, converted->data,
+            converted->linesize);
   return converted;
 }
 

@@ -13,8 +13,8 @@ struct SwsContext;
 
 namespace headunit {
 
-/// H.264 by libavcodec, set up for little delay: a picture comes out of the call that takes its access unit, unless
-/// the stream itself reorders its pictures.
+/// H.264 by libavcodec, set up for little delay: a picture comes out of the call that takes its access unit,
+/// unless the stream itself reorders its pictures.
 class FfmpegDecoder : public VideoDecoder {
  public:
   FfmpegDecoder();

@@ -7,8 +7,22 @@
 namespace headunit {
 namespace {
 
-constexpr int FIRST_WIDTH = 1280;
-constexpr int FIRST_HEIGHT = 720;
+// Of the window at first; the user may make it as large as he likes.
+constexpr int LARGEST_WIDTH = 1280;
+constexpr int LARGEST_HEIGHT = 720;
+
+// SDL would rather draw where nobody sees it than fail; that is for those who ask for it.
+bool isVisible() {
+  const char* const driver = SDL_GetCurrentVideoDriver();
+  return driver == nullptr || SDL_GetHint(SDL_HINT_VIDEODRIVER) != nullptr ||
+         SDL_strcmp(driver, "offscreen") != 0;
+}
+
+Size firstSize() {
+  SDL_Rect usable{0, 0, LARGEST_WIDTH, LARGEST_HEIGHT};
+  SDL_GetDisplayUsableBounds(0, &usable);
+  return {SDL_min(usable.w, LARGEST_WIDTH), SDL_min(usable.h, LARGEST_HEIGHT)};
+}
 
 }  // namespace
 
@@ -24,9 +38,14 @@ bool Window::open(std::string* error) {
   SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
   SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "0");
   if (SDL_InitSubSystem(SDL_INIT_VIDEO) == 0) {
+    if (!isVisible()) {
+      *error = "there is no display";
+      return false;
+    }
     wakeEvent_ = SDL_RegisterEvents(1);
-    window_ = SDL_CreateWindow("vantry-headunit", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, FIRST_WIDTH,
-                               FIRST_HEIGHT, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+    const Size size = firstSize();
+    window_ = SDL_CreateWindow("vantry-headunit", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
+                               size.width, size.height, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
     if (window_ != nullptr) renderer_ = SDL_CreateRenderer(window_, -1, SDL_RENDERER_PRESENTVSYNC);
   }
   if (renderer_ != nullptr) return true;
@@ -58,8 +77,9 @@ void Window::run() {
 void Window::takePicture() {
   std::optional<Picture> picture = slot_->take();
   if (!picture || !fitTexture(*picture)) return;
-  SDL_UpdateYUVTexture(texture_, nullptr, picture->planes[0].data, picture->planes[0].stride, picture->planes[1].data,
-                       picture->planes[1].stride, picture->planes[2].data, picture->planes[2].stride);
+  SDL_UpdateYUVTexture(texture_, nullptr, picture->planes[0].data, picture->planes[0].stride,
+                       picture->planes[1].data, picture->planes[1].stride, picture->planes[2].data,
+                       picture->planes[2].stride);
   draw();
   nowShows(std::move(*picture));
 }

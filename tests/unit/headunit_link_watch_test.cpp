@@ -1,0 +1,179 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "headunit/LinkWatch.h"
+
+namespace headunit {
+namespace {
+
+using std::chrono::seconds;
+using testing::HasSubstr;
+
+/// A link as the watch sees it, on a clock that the test winds.
+class HeadunitLinkWatch : public testing::Test {
+ protected:
+  HeadunitLinkWatch() { view.lastHeard = start; }
+
+  LinkWatch::Verdict at(milliseconds time) { return watch.look(view, start + time); }
+  /// The link's end at that time, which must have come.
+  LinkEnd endAt(milliseconds time) {
+    const LinkWatch::Verdict verdict = at(time);
+    EXPECT_TRUE(verdict.end) << "at " << time.count() << " ms";
+    return verdict.end.value_or(LinkEnd());
+  }
+  void hearAt(milliseconds time) {
+    view.lastHeard = start + time;
+    view.anythingHeard = true;
+  }
+  void authenticate() {
+    hearAt(milliseconds(10));
+    view.news.versionAccepted = true;
+    view.news.authentication = 0;
+  }
+  void refuse() {
+    authenticate();
+    view.news.authentication = -3;
+    view.news.beyondRepair = true;
+  }
+
+  const TimePoint start = TimePoint(seconds(1000));
+  LinkView view;
+  LinkWatch watch{start, LinkLimits()};
+};
+
+TEST_F(HeadunitLinkWatch, GivesASilentPhoneFourSeconds) {
+  EXPECT_FALSE(at(milliseconds(3999)).end);
+  const LinkEnd end = endAt(milliseconds(4000));
+  EXPECT_FALSE(end.clean);
+  EXPECT_THAT(end.words(), HasSubstr("The phone: it said nothing within 4 s"));
+}
+
+TEST_F(HeadunitLinkWatch, TellsAHalfDoneHandshakeFromSilence) {
+  hearAt(milliseconds(3900));
+  EXPECT_THAT(endAt(milliseconds(4000)).what, HasSubstr("did not finish the handshake"));
+}
+
+TEST_F(HeadunitLinkWatch, TellsARefusedVersion) {
+  hearAt(milliseconds(5));
+  view.logLines = {"[LHU] handleVersionResponse() :: Phone reported version major=2 minor=0"};
+  EXPECT_THAT(endAt(milliseconds(4000)).what, HasSubstr("refused version 1.0"));
+}
+
+TEST_F(HeadunitLinkWatch, LooksAgainWhenALimitIsOver) {
+  const LinkWatch::Verdict verdict = at(milliseconds(3500));
+  EXPECT_EQ(verdict.lookAgain, start + milliseconds(4000));
+}
+
+TEST_F(HeadunitLinkWatch, PingsEachSecondOnceAuthenticated) {
+  EXPECT_FALSE(at(milliseconds(1500)).ping);
+  authenticate();
+  EXPECT_TRUE(at(milliseconds(1600)).ping);
+  EXPECT_FALSE(at(milliseconds(2599)).ping);
+  EXPECT_TRUE(at(milliseconds(2600)).ping);
+}
+
+TEST_F(HeadunitLinkWatch, GivesUpAPhoneThatFallsSilent) {
+  authenticate();
+  hearAt(milliseconds(9000));
+  EXPECT_FALSE(at(milliseconds(12'999)).end);
+  EXPECT_THAT(endAt(milliseconds(13'000)).words(), HasSubstr("nothing has come from it for 4 s"));
+}
+
+TEST_F(HeadunitLinkWatch, WaitsForTheAnswerToItsGoodbye) {
+  authenticate();
+  watch.leaving("enough", start + milliseconds(100));
+  EXPECT_TRUE(watch.isLeaving());
+  EXPECT_FALSE(at(milliseconds(1599)).end);
+  view.news.phoneAnsweredBye = true;
+  const LinkEnd end = endAt(milliseconds(1599));
+  EXPECT_TRUE(end.clean);
+  EXPECT_EQ(end.words(), "enough");
+}
+
+TEST_F(HeadunitLinkWatch, LeavesCleanlyWithoutAnAnswerInTheEnd) {
+  authenticate();
+  watch.leaving("enough", start + milliseconds(100));
+  EXPECT_TRUE(endAt(milliseconds(1600)).clean);
+}
+
+TEST_F(HeadunitLinkWatch, LetsThePhoneHangUpAfterItsGoodbye) {
+  authenticate();
+  view.news.phoneSaidBye = true;
+  EXPECT_FALSE(at(milliseconds(500)).end);
+  EXPECT_FALSE(at(milliseconds(1499)).end);
+  EXPECT_TRUE(endAt(milliseconds(1500)).clean);
+}
+
+TEST_F(HeadunitLinkWatch, ClosingAfterAGoodbyeIsClean) {
+  authenticate();
+  view.news.phoneSaidBye = true;
+  view.news.stopped = true;
+  view.brokenBy = "the connection was closed";
+  EXPECT_TRUE(endAt(milliseconds(500)).clean);
+}
+
+TEST_F(HeadunitLinkWatch, ClosingWithoutAGoodbyeIsNot) {
+  authenticate();
+  view.news.stopped = true;
+  view.brokenBy = "the connection was closed";
+  const LinkEnd end = endAt(milliseconds(500));
+  EXPECT_FALSE(end.clean);
+  EXPECT_THAT(end.what, HasSubstr("without a good-bye (the connection was closed)"));
+}
+
+TEST_F(HeadunitLinkWatch, ClosingDuringTheHandshakeIsTold) {
+  view.news.stopped = true;
+  view.brokenBy = "the connection was closed";
+  EXPECT_THAT(endAt(milliseconds(500)).what, HasSubstr("before the handshake was done"));
+}
+
+TEST_F(HeadunitLinkWatch, StoppingByItselfComesOfBadBytes) {
+  authenticate();
+  view.news.stopped = true;
+  EXPECT_THAT(endAt(milliseconds(500)).what, HasSubstr("bytes that make no frame"));
+}
+
+TEST_F(HeadunitLinkWatch, LetsTheRefusalReachThePhone) {
+  refuse();
+  EXPECT_FALSE(at(milliseconds(20)).end);
+  EXPECT_FALSE(at(milliseconds(319)).end);
+  EXPECT_FALSE(endAt(milliseconds(320)).clean);
+}
+
+TEST_F(HeadunitLinkWatch, SaysWhyACertificateIsNotTrusted) {
+  refuse();
+  view.logLines = {"[LHU] Verify, ret: 0, err_code: 10, returned: certificate has expired"};
+  at(milliseconds(20));
+  EXPECT_THAT(endAt(milliseconds(400)).what, HasSubstr("not to be trusted: certificate has expired"));
+}
+
+TEST_F(HeadunitLinkWatch, SaysThatThePhoneMayHaveRefusedOurs) {
+  refuse();
+  view.logLines = {"[LHU] ssl state=error, ret: -1, err: 1"};
+  at(milliseconds(20));
+  EXPECT_THAT(endAt(milliseconds(400)).what, HasSubstr("refused this head unit's certificate"));
+}
+
+TEST_F(HeadunitLinkWatch, AFramingErrorEndsTheLinkAtOnce) {
+  authenticate();
+  view.news.beyondRepair = true;
+  EXPECT_THAT(endAt(milliseconds(20)).what, HasSubstr("bytes that make no frame"));
+}
+
+TEST_F(HeadunitLinkWatch, AFrameThatCannotBeDecryptedIsToldApart) {
+  authenticate();
+  view.news.beyondRepair = true;
+  view.logLines = {"[LHU] Failed to dequeue from decryption pipeline!"};
+  EXPECT_THAT(endAt(milliseconds(20)).what, HasSubstr("cannot be decrypted"));
+}
+
+TEST_F(HeadunitLinkWatch, GivesAVideoThatCannotBeDecodedFourSeconds) {
+  authenticate();
+  hearAt(milliseconds(5000));
+  view.failingSince = start + milliseconds(1000);
+  EXPECT_FALSE(at(milliseconds(4999)).end);
+  EXPECT_THAT(endAt(milliseconds(5000)).what, HasSubstr("no picture could be decoded"));
+}
+
+}  // namespace
+}  // namespace headunit

@@ -39,6 +39,7 @@ struct Texts {
   std::string connect;
   std::string listen;
   std::string size = "800x480";
+  std::vector<std::string> sounds = {"media", "guidance", "system", "telephony"};
 };
 
 void addPeer(CLI::App* app, Texts* texts) {
@@ -50,6 +51,23 @@ void addPeer(CLI::App* app, Texts* texts) {
       ->check(checkEndpoint)
       ->type_name("HOST:PORT");
   peer->require_option(1);
+}
+
+void addSound(CLI::App* app, Options* options, Texts* texts) {
+  app->add_option("--audio", options->audio,
+                  "play the sound of this file instead of the video's own, or a tone")
+      ->type_name("FILE");
+  app->add_option("--sounds", texts->sounds,
+                  "which streams of sound to play: media,guidance,system,telephony or none")
+      ->delimiter(',')
+      ->check(checkSound)
+      ->type_name("LIST")
+      ->capture_default_str();
+  app->add_option("--microphone", options->microphone, "write what the car's microphone hears to this file")
+      ->type_name("FILE.wav");
+  app->add_option("--record", options->record,
+                  "write what sensors, keys and touches tell to this file, a line each")
+      ->type_name("FILE.jsonl");
 }
 
 void addPicture(CLI::App* app, Options* options, Texts* texts) {
@@ -65,7 +83,7 @@ void addPicture(CLI::App* app, Options* options, Texts* texts) {
   app->add_option("--frames", options->frames, "end after so many frames; 0 for no limit")
       ->check(CLI::NonNegativeNumber.description(""))
       ->type_name("N");
-  app->add_flag("--loop", options->loop, "start the file again at its end");
+  app->add_flag("--loop", options->loop, "start the files again at their end");
   app->add_flag("--fast", options->fast, "send as quickly as the head unit acknowledges");
 }
 
@@ -74,14 +92,16 @@ void addPicture(CLI::App* app, Options* options, Texts* texts) {
 std::optional<Options> readOptions(int argc, char** argv, int* status) {
   Options options;
   Texts texts;
-  CLI::App app("Plays a phone: brings up a projection link to a head unit and streams a picture to it.",
-               "vantry-phone");
+  CLI::App app(
+      "Plays a phone: brings up a projection link to a head unit and streams picture and sound to it.",
+      "vantry-phone");
   app.footer(footer);
   addPeer(&app, &texts);
   app.add_option("--credentials", options.credentials, "folder of root.pem, phone.pem and phone.key")
       ->type_name("DIR")
       ->capture_default_str();
   addPicture(&app, &options, &texts);
+  addSound(&app, &options, &texts);
   app.add_option("--stats", options.stats, "write figures about the link to this file")
       ->type_name("FILE.json");
   app.add_flag("--verbose", options.verbose, "log every step of the link");
@@ -95,6 +115,7 @@ std::optional<Options> readOptions(int argc, char** argv, int* status) {
   options.listens = texts.connect.empty();
   options.endpoint = *parseEndpoint(options.listens ? texts.listen : texts.connect);
   options.size = sizes.at(texts.size);
+  options.sounds = soundsOf(texts.sounds);
   return options;
 }
 

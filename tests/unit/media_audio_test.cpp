@@ -72,7 +72,7 @@ std::unique_ptr<PcmSource> openSound(const std::string& path, int rate, int chan
   return source;
 }
 
-TEST(Tone, GivesTheSameSamplesEachTimeHoweverItIsCut) {
+TEST(PhoneTone, GivesTheSameSamplesEachTimeHoweverItIsCut) {
   for (const Tone tone : TONES) {
     const Bytes whole = bytesOf(makeTone(tone, 16000, 1, 2000).get(), 2000);
     EXPECT_EQ(whole.size(), 2U * 16000U * 2U);
@@ -81,7 +81,7 @@ TEST(Tone, GivesTheSameSamplesEachTimeHoweverItIsCut) {
   }
 }
 
-TEST(Tone, BlocksHaveTheirLengthAndTime) {
+TEST(PhoneTone, BlocksHaveTheirLengthAndTime) {
   const auto tone = makeTone(Tone::Media, 48000, 2);
   PcmBlock block;
   for (int i = 0; i < 10; ++i) {
@@ -91,7 +91,7 @@ TEST(Tone, BlocksHaveTheirLengthAndTime) {
   }
 }
 
-TEST(Tone, BlocksOfPartSamplesAddUpExactly) {
+TEST(PhoneTone, BlocksOfPartSamplesAddUpExactly) {
   const auto tone = makeTone(Tone::System, 44100, 1);
   PcmBlock block;
   std::size_t sum = 0;
@@ -104,7 +104,7 @@ TEST(Tone, BlocksOfPartSamplesAddUpExactly) {
   EXPECT_EQ(sum, 44100U);
 }
 
-TEST(Tone, EndsAfterItsLengthAndStaysEnded) {
+TEST(PhoneTone, EndsAfterItsLengthAndStaysEnded) {
   const auto tone = makeTone(Tone::Guidance, 16000, 1, 25);
   PcmBlock block;
   ASSERT_TRUE(tone->next(20, &block));
@@ -115,7 +115,7 @@ TEST(Tone, EndsAfterItsLengthAndStaysEnded) {
   EXPECT_FALSE(tone->next(20, &block));
 }
 
-TEST(Tone, EachIsKnownByItsPitches) {
+TEST(PhoneTone, EachIsKnownByItsPitches) {
   for (const Tone played : TONES) {
     const Samples samples = samplesOf(bytesOf(makeTone(played, 16000, 1, 4000).get(), 100));
     double weakestOwn = 1e9;
@@ -130,7 +130,7 @@ TEST(Tone, EachIsKnownByItsPitches) {
   }
 }
 
-TEST(Tone, IsNeitherSilentNorCut) {
+TEST(PhoneTone, IsNeitherSilentNorCut) {
   for (const Tone tone : TONES) {
     const Samples samples = samplesOf(bytesOf(makeTone(tone, 48000, 2, 3000).get(), 50));
     const auto [low, high] = std::minmax_element(samples.begin(), samples.end());
@@ -141,7 +141,7 @@ TEST(Tone, IsNeitherSilentNorCut) {
   }
 }
 
-TEST(Tone, LeftAndRightDiffer) {
+TEST(PhoneTone, LeftAndRightDiffer) {
   const Samples samples = samplesOf(bytesOf(makeTone(Tone::Media, 48000, 2, 300).get(), 50));
   const auto loudness = [](const Samples& channel) {
     return std::accumulate(channel.begin(), channel.end(), 0.0,
@@ -150,7 +150,7 @@ TEST(Tone, LeftAndRightDiffer) {
   EXPECT_GT(loudness(channelOf(samples, 0, 2)), 1.5 * loudness(channelOf(samples, 1, 2)));
 }
 
-TEST(Wav, WhatIsWrittenIsReadBack) {
+TEST(PhoneWav, WhatIsWrittenIsReadBack) {
   const TemporaryFolder folder;
   std::string error;
   const auto writer = WavWriter::create(folder / "a.wav", 16000, 2, &error);
@@ -165,7 +165,7 @@ TEST(Wav, WhatIsWrittenIsReadBack) {
   EXPECT_THAT(audio->samples, testing::ElementsAre(0x0201, static_cast<std::int16_t>(0x8403), -1, -32768));
 }
 
-TEST(Wav, TheFileIsLaidOutByteForByte) {
+TEST(PhoneWav, TheFileIsLaidOutByteForByte) {
   const TemporaryFolder folder;
   std::string error;
   ASSERT_TRUE(WavWriter::create(folder / "a.wav", 48000, 2, &error)->write("abcd", 4));
@@ -182,7 +182,7 @@ TEST(Wav, TheFileIsLaidOutByteForByte) {
   EXPECT_EQ(file, expected);
 }
 
-TEST(Wav, IsWholeAfterEveryWriteWhileStillOpen) {
+TEST(PhoneWav, IsWholeAfterEveryWriteWhileStillOpen) {
   const TemporaryFolder folder;
   std::string error;
   const auto writer = WavWriter::create(folder / "a.wav", 8000, 1, &error);
@@ -195,7 +195,7 @@ TEST(Wav, IsWholeAfterEveryWriteWhileStillOpen) {
   }
 }
 
-TEST(Wav, AFileCutShortGivesTheWholeFramesThatAreThere) {
+TEST(PhoneWav, AFileCutShortGivesTheWholeFramesThatAreThere) {
   const TemporaryFolder folder;
   std::string error;
   ASSERT_TRUE(WavWriter::create(folder / "a.wav", 8000, 2, &error)->write("abcdefgh", 8));
@@ -205,7 +205,7 @@ TEST(Wav, AFileCutShortGivesTheWholeFramesThatAreThere) {
   EXPECT_EQ(audio->samples.size(), 2U);
 }
 
-TEST(Wav, WhatIsNoWaveFileIsRefusedInWords) {
+TEST(PhoneWav, WhatIsNoWaveFileIsRefusedInWords) {
   const TemporaryFolder folder;
   std::string error;
   EXPECT_FALSE(phone::readWav(folder / "none.wav", &error));
@@ -226,19 +226,19 @@ TEST(Wav, WhatIsNoWaveFileIsRefusedInWords) {
   EXPECT_THAT(error, HasSubstr("is damaged"));
 }
 
-TEST(Wav, APlaceThatCannotBeWrittenIsToldInWords) {
+TEST(PhoneWav, APlaceThatCannotBeWrittenIsToldInWords) {
   std::string error;
   EXPECT_EQ(WavWriter::create("/nowhere/a.wav", 8000, 1, &error), nullptr);
   EXPECT_THAT(error, HasSubstr("'/nowhere/a.wav' cannot be written: No such file or directory."));
 }
 
-TEST(Wav, AFullDiskIsNoticed) {
+TEST(PhoneWav, AFullDiskIsNoticed) {
   std::string error;
   EXPECT_EQ(WavWriter::create("/dev/full", 8000, 1, &error), nullptr);
   EXPECT_THAT(error, HasSubstr("No space left"));
 }
 
-TEST(AudioFile, OfTheWantedFormatIsGivenSampleForSample) {
+TEST(PhoneAudioFile, OfTheWantedFormatIsGivenSampleForSample) {
   const TemporaryFolder folder;
   const Samples samples = sweep(2 * 4800);
   for (const auto& [name, codec] : {std::pair{"a.wav", "pcm_s16le"}, {"a.flac", "flac"}}) {
@@ -249,7 +249,7 @@ TEST(AudioFile, OfTheWantedFormatIsGivenSampleForSample) {
   }
 }
 
-TEST(AudioFile, BlocksHaveTheirLengthAndTimeAndTheLastIsShorter) {
+TEST(PhoneAudioFile, BlocksHaveTheirLengthAndTimeAndTheLastIsShorter) {
   const TemporaryFolder folder;
   writeSound(folder / "a.wav", {}, sweep(2 * 1200));
   const auto source = openSound(folder / "a.wav", 48000, 2);
@@ -264,7 +264,7 @@ TEST(AudioFile, BlocksHaveTheirLengthAndTimeAndTheLastIsShorter) {
   EXPECT_FALSE(source->next(20, &block));
 }
 
-TEST(AudioFile, IsResampledAndMixedToWhatIsWanted) {
+TEST(PhoneAudioFile, IsResampledAndMixedToWhatIsWanted) {
   const TemporaryFolder folder;
   const Bytes tone = bytesOf(makeTone(Tone::Telephony, 44100, 2, 1000).get(), 100);
   SoundRecipe recipe;
@@ -279,7 +279,7 @@ TEST(AudioFile, IsResampledAndMixedToWhatIsWanted) {
   EXPECT_GT(strength(samples, 554.37, 16000), 10 * strength(samples, 698.46, 16000));
 }
 
-TEST(AudioFile, LoopsWithoutAGap) {
+TEST(PhoneAudioFile, LoopsWithoutAGap) {
   const TemporaryFolder folder;
   const Samples samples = sweep(2 * 1000);
   writeSound(folder / "a.wav", {}, samples);
@@ -291,7 +291,7 @@ TEST(AudioFile, LoopsWithoutAGap) {
   EXPECT_EQ(thrice, expected);
 }
 
-TEST(AudioFile, LoopsAlsoWhereItIsResampled) {
+TEST(PhoneAudioFile, LoopsAlsoWhereItIsResampled) {
   const TemporaryFolder folder;
   SoundRecipe recipe;
   recipe.sampleRate = 44100;
@@ -306,7 +306,19 @@ TEST(AudioFile, LoopsAlsoWhereItIsResampled) {
   }
 }
 
-TEST(AudioFile, WhatHasNoSoundIsRefusedInWords) {
+TEST(PhoneAudioFile, TooShortToGiveASingleSampleEndsAlsoWhenLooping) {
+  const TemporaryFolder folder;
+  std::string error;
+  const Bytes samples(3000 * 4);
+  const auto writer = WavWriter::create(folder / "a.wav", 6'404'992, 2, &error);
+  ASSERT_TRUE(writer->write(samples.data(), samples.size()));
+  for (const bool loop : {false, true}) {
+    EXPECT_EQ(phone::openAudioFile(folder / "a.wav", 16000, 1, loop, &error), nullptr);
+    EXPECT_THAT(error, HasSubstr("cannot be converted to 16000 Hz."));
+  }
+}
+
+TEST(PhoneAudioFile, WhatHasNoSoundIsRefusedInWords) {
   const TemporaryFolder folder;
   std::string error;
   writeFile(folder / "a.mp3", std::string(3000, 'x'));

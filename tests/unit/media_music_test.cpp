@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using Bytes = std::vector<std::uint8_t>;
 
-struct MusicFolder : testing::Test {
+struct PhoneMusicFolder : testing::Test {
   TemporaryFolder folder;
 
   void song(const std::string& name, const SoundRecipe& recipe, int milliseconds = 500) {
@@ -60,7 +60,7 @@ Bytes coverBytes() { return phone::encodePng(chequered().rgb.data(), 256, 256); 
 
 std::string text(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
 
-TEST_F(MusicFolder, TagsDurationAndCoverAreRead) {
+TEST_F(PhoneMusicFolder, TagsDurationAndCoverAreRead) {
   const Bytes cover = coverBytes();
   song("a.flac", flac({{"title", "Salt"}, {"artist", "Tide"}, {"album", "Shore"}, {"genre", "Folk"}}, cover),
        1500);
@@ -75,7 +75,7 @@ TEST_F(MusicFolder, TagsDurationAndCoverAreRead) {
   EXPECT_EQ(songs[0].cover, cover);
 }
 
-TEST_F(MusicFolder, ASongWithoutATitleTakesItsFileName) {
+TEST_F(PhoneMusicFolder, ASongWithoutATitleTakesItsFileName) {
   song("Long Way.wav", {});
   const std::vector<Song> songs = scan();
   ASSERT_EQ(songs.size(), 1U);
@@ -84,7 +84,7 @@ TEST_F(MusicFolder, ASongWithoutATitleTakesItsFileName) {
   EXPECT_THAT(songs[0].cover, IsEmpty());
 }
 
-TEST_F(MusicFolder, SongsOfFoldersBelowComeInTheOrderOfTheirPaths) {
+TEST_F(PhoneMusicFolder, SongsOfFoldersBelowComeInTheOrderOfTheirPaths) {
   std::filesystem::create_directories(folder / "b/deep");
   song("c.wav", {});
   song("b/deep/y.wav", {});
@@ -94,7 +94,7 @@ TEST_F(MusicFolder, SongsOfFoldersBelowComeInTheOrderOfTheirPaths) {
                                   Field(&Song::title, "x"), Field(&Song::title, "c")));
 }
 
-TEST_F(MusicFolder, APictureInTheFolderServesSongsWithoutOne) {
+TEST_F(PhoneMusicFolder, APictureInTheFolderServesSongsWithoutOne) {
   std::filesystem::create_directory(folder / "other");
   writeFile(folder / "cover.png", text(coverBytes()));
   const Bytes own = phone::encodePng(Bytes(256 * 256 * 3, 9).data(), 256, 256);
@@ -105,7 +105,7 @@ TEST_F(MusicFolder, APictureInTheFolderServesSongsWithoutOne) {
                                   Field(&Song::cover, IsEmpty())));
 }
 
-TEST_F(MusicFolder, WhatIsNoMusicIsPassedOver) {
+TEST_F(PhoneMusicFolder, WhatIsNoMusicIsPassedOver) {
   writeFile(folder / "notes.txt", std::string(5000, 'n'));
   writeFile(folder / "broken.mp3", "ID3");
   std::string noise;
@@ -123,7 +123,7 @@ TEST_F(MusicFolder, WhatIsNoMusicIsPassedOver) {
   EXPECT_THAT(scan(), ElementsAre(Field(&Song::title, "a")));
 }
 
-TEST_F(MusicFolder, WithoutSongsSaysSo) {
+TEST_F(PhoneMusicFolder, WithoutSongsSaysSo) {
   writeFile(folder / "notes.txt", "nothing to hear");
   EXPECT_THAT(complaint(folder.path()), HasSubstr("holds no songs."));
   EXPECT_THAT(complaint(folder / "missing"),
@@ -131,7 +131,7 @@ TEST_F(MusicFolder, WithoutSongsSaysSo) {
   EXPECT_THAT(complaint(folder / "notes.txt"), HasSubstr("notes.txt' cannot be read: Not a directory."));
 }
 
-TEST(BuiltInMusic, IsWholeAndTheSameEachTime) {
+TEST(PhoneBuiltInMusic, IsWholeAndTheSameEachTime) {
   const std::vector<Song> songs = phone::builtInMusic();
   const std::vector<Song> again = phone::builtInMusic();
   ASSERT_EQ(songs.size(), again.size());
@@ -148,7 +148,7 @@ TEST(BuiltInMusic, IsWholeAndTheSameEachTime) {
   EXPECT_EQ(covers.size(), 3U) << "one for each album";
 }
 
-TEST(BuiltInMusic, CoversArePictures) {
+TEST(PhoneBuiltInMusic, CoversArePictures) {
   const TemporaryFolder folder;
   writeFile(folder / "cover.png", text(phone::builtInMusic().front().cover));
   std::string error;
@@ -159,7 +159,7 @@ TEST(BuiltInMusic, CoversArePictures) {
   EXPECT_GT(std::set<std::uint8_t>(picture->rgb.begin(), picture->rgb.end()).size(), 50U);
 }
 
-TEST(Png, KeepsEveryPixel) {
+TEST(PhonePng, KeepsEveryPixel) {
   const TemporaryFolder folder;
   const RgbPicture picture = chequered();
   writeFile(folder / "a.png", text(phone::encodePng(picture.rgb.data(), 256, 256)));
@@ -169,7 +169,7 @@ TEST(Png, KeepsEveryPixel) {
   EXPECT_EQ(read->rgb, picture.rgb);
 }
 
-TEST(Png, OddSizesAreEncoded) {
+TEST(PhonePng, OddSizesAreEncoded) {
   const TemporaryFolder folder;
   const Bytes pixels{1, 2, 3, 4, 5, 6, 7, 8, 9};
   writeFile(folder / "a.png", text(phone::encodePng(pixels.data(), 3, 1)));
@@ -179,13 +179,13 @@ TEST(Png, OddSizesAreEncoded) {
   EXPECT_EQ(read->rgb, pixels);
 }
 
-TEST(Png, NothingIsMadeOfNoPixels) {
+TEST(PhonePng, NothingIsMadeOfNoPixels) {
   const std::uint8_t pixel[3] = {};
   EXPECT_THAT(phone::encodePng(pixel, 0, 1), IsEmpty());
   EXPECT_THAT(phone::encodePng(pixel, 1, -1), IsEmpty());
 }
 
-TEST(Png, WhatIsNoPictureIsRefusedInWords) {
+TEST(PhonePng, WhatIsNoPictureIsRefusedInWords) {
   const TemporaryFolder folder;
   writeFile(folder / "a.png", "no picture");
   std::string error;

@@ -47,7 +47,7 @@ std::string complaintOf(const VideoOptions& options) {
   return error;
 }
 
-TEST(TestPictureSource, CountsItsFramesFromZeroAndEndsAfterAsManyAsWanted) {
+TEST(PhoneTestPictureSource, CountsItsFramesFromZeroAndEndsAfterAsManyAsWanted) {
   const auto source = sourceOf(small(20));
   Viewer viewer(source->codecConfig());
   AccessUnit unit;
@@ -61,7 +61,7 @@ TEST(TestPictureSource, CountsItsFramesFromZeroAndEndsAfterAsManyAsWanted) {
   EXPECT_FALSE(source->next(&unit));
 }
 
-TEST(TestPictureSource, HasTheWantedSize) {
+TEST(PhoneTestPictureSource, HasTheWantedSize) {
   const auto source = sourceOf(small(1));
   EXPECT_EQ(source->width(), 400);
   EXPECT_EQ(source->height(), 240);
@@ -73,7 +73,7 @@ TEST(TestPictureSource, HasTheWantedSize) {
   EXPECT_EQ(frame->height, 240);
 }
 
-TEST(TestPictureSource, CodecConfigIsTheParameterSetsAndNothingRepeatsThem) {
+TEST(PhoneTestPictureSource, CodecConfigIsTheParameterSetsAndNothingRepeatsThem) {
   const auto source = sourceOf(small(61));
   EXPECT_THAT(nalTypes(source->codecConfig()), ElementsAre(phone::NAL_SPS, phone::NAL_PPS));
   for (const AccessUnit& unit : drain(source.get())) {
@@ -81,7 +81,7 @@ TEST(TestPictureSource, CodecConfigIsTheParameterSetsAndNothingRepeatsThem) {
   }
 }
 
-TEST(TestPictureSource, AKeyFrameComesFirstAndThenEveryTwoSeconds) {
+TEST(PhoneTestPictureSource, AKeyFrameComesFirstAndThenEveryTwoSeconds) {
   VideoOptions options = small(45);
   options.fps = 10;
   const auto source = sourceOf(options);
@@ -95,7 +95,7 @@ TEST(TestPictureSource, AKeyFrameComesFirstAndThenEveryTwoSeconds) {
   EXPECT_THAT(keyframes, ElementsAre(0, 20, 40));
 }
 
-TEST(TestPictureSource, TheNextFrameShowsTheTouchesThatWereSet) {
+TEST(PhoneTestPictureSource, TheNextFrameShowsTheTouchesThatWereSet) {
   const auto source = sourceOf(small(0));
   Viewer viewer(source->codecConfig());
   const auto touchesShown = [&]() -> std::optional<phone::TouchEvidence> {
@@ -123,7 +123,7 @@ TEST(TestPictureSource, TheNextFrameShowsTheTouchesThatWereSet) {
   EXPECT_EQ(lifted->fingers, 0);
 }
 
-TEST(TestPictureSource, TouchesMayComeFromAnyThreadWhileFramesAreDrawn) {
+TEST(PhoneTestPictureSource, TouchesMayComeFromAnyThreadWhileFramesAreDrawn) {
   const auto source = sourceOf(small(30));
   constexpr std::uint32_t CALLS = 500;
   std::atomic<std::uint32_t> highest{0};
@@ -148,7 +148,7 @@ TEST(TestPictureSource, TouchesMayComeFromAnyThreadWhileFramesAreDrawn) {
   EXPECT_EQ(highest, 2 * CALLS) << "each call has a number of its own";
 }
 
-TEST(TestPictureSource, OptionsThatCannotBeAreRefusedInWords) {
+TEST(PhoneTestPictureSource, OptionsThatCannotBeAreRefusedInWords) {
   VideoOptions odd = small(1);
   odd.width = 401;
   EXPECT_THAT(complaintOf(odd), HasSubstr("401x240 cannot be encoded"));
@@ -163,7 +163,7 @@ TEST(TestPictureSource, OptionsThatCannotBeAreRefusedInWords) {
   EXPECT_THAT(complaintOf(fast), HasSubstr("100000 frames a second"));
 }
 
-TEST(NalUnits, AreSplitAtStartCodesOfThreeAndFourBytes) {
+TEST(PhoneNalUnits, AreSplitAtStartCodesOfThreeAndFourBytes) {
   const std::vector<std::uint8_t> bytes{0, 0, 0, 1,    0x67, 1,    2,      // a parameter set
                                         0, 0, 1, 0x68, 0,    3,            // another, with a zero inside
                                         0, 0, 0, 0,    1,    0x65, 9, 0};  // padding before, and a last zero
@@ -176,7 +176,7 @@ TEST(NalUnits, AreSplitAtStartCodesOfThreeAndFourBytes) {
               ElementsAre(0, 0, 0, 1, 0x67, 1, 2, 0, 0, 0, 1, 0x68, 0, 3));
 }
 
-TEST(NalUnits, NoneAreFoundWhereThereIsNoStartCode) {
+TEST(PhoneNalUnits, NoneAreFoundWhereThereIsNoStartCode) {
   const std::vector<std::uint8_t> bytes{0, 0, 2, 0x67, 0, 0};
   EXPECT_TRUE(phone::splitAnnexB(bytes.data(), bytes.size()).empty());
   EXPECT_TRUE(phone::splitAnnexB(nullptr, 0).empty());

@@ -76,15 +76,15 @@ void expectReadableAfterEncoding(int width, int height) {
   }
 }
 
-TEST(TestPicture, CounterIsReadAfterEncodingDecodingAndScaling) {
+TEST(PhoneTestPicture, CounterIsReadAfterEncodingDecodingAndScaling) {
   for (const auto& [width, height] : {std::pair{800, 480}, {1280, 720}, {640, 480}, {480, 800}, {482, 270}}) {
     expectReadableAfterEncoding(width, height);
   }
 }
 
-TEST(TestPicture, CounterIsReadAtTheLargestSize) { expectReadableAfterEncoding(1920, 1080); }
+TEST(PhoneTestPicture, CounterIsReadAtTheLargestSize) { expectReadableAfterEncoding(1920, 1080); }
 
-TEST(TestPicture, CounterIsReadFromRgb) {
+TEST(PhoneTestPicture, CounterIsReadFromRgb) {
   const FramePtr frame = drawn(numbered(0xdeadbeef));
   std::vector<std::uint8_t> rgb(800 * 480 * 3);
   std::uint8_t* const planes[] = {rgb.data()};
@@ -98,7 +98,7 @@ TEST(TestPicture, CounterIsReadFromRgb) {
   EXPECT_EQ(touches->fingers, 0);
 }
 
-TEST(TestPicture, NothingIsReadWithoutAStrip) {
+TEST(PhoneTestPicture, NothingIsReadWithoutAStrip) {
   const std::vector<std::uint8_t> grey(800 * 480, 128);
   EXPECT_EQ(readCounter(grey.data(), 800, 480, 800), std::nullopt);
   std::vector<std::uint8_t> noise(800 * 480);
@@ -108,7 +108,7 @@ TEST(TestPicture, NothingIsReadWithoutAStrip) {
   EXPECT_EQ(readCounter(noise.data(), 800, 480, 800), std::nullopt);
 }
 
-TEST(TestPicture, NothingIsReadFromAPictureTooSmallToHoldAStrip) {
+TEST(PhoneTestPicture, NothingIsReadFromAPictureTooSmallToHoldAStrip) {
   const std::vector<std::uint8_t> few(49 * 29, 0);
   EXPECT_EQ(readCounter(few.data(), 49, 29, 49), std::nullopt);
   EXPECT_EQ(readCounter(few.data(), 1, 1, 1), std::nullopt);
@@ -116,7 +116,7 @@ TEST(TestPicture, NothingIsReadFromAPictureTooSmallToHoldAStrip) {
   EXPECT_EQ(readCounter(nullptr, 800, 480, 800), std::nullopt);
 }
 
-TEST(TestPicture, OneWrongCellIsNoticedWhereverItIs) {
+TEST(PhoneTestPicture, OneWrongCellIsNoticedWhereverItIs) {
   for (int cell = 0; cell < 44; ++cell) {
     const FramePtr frame = drawn(numbered(4242));
     for (int y = 436; y < 452; ++y) {
@@ -129,7 +129,7 @@ TEST(TestPicture, OneWrongCellIsNoticedWhereverItIs) {
   }
 }
 
-TEST(TestPicture, ACellOfDoubtfulBrightnessIsNotGuessed) {
+TEST(PhoneTestPicture, ACellOfDoubtfulBrightnessIsNotGuessed) {
   const FramePtr frame = drawn(numbered(4242));
   for (int y = 436; y < 452; ++y) std::memset(frame->data[0] + y * frame->linesize[0] + 160, 130, 16);
   EXPECT_EQ(counterIn(*frame), std::nullopt);
@@ -144,12 +144,12 @@ FramePtr faded(const TestFrame& picture, int divisor) {
   return frame;
 }
 
-TEST(TestPicture, AFadedPictureIsReadAsLongAsItsCellsStandOut) {
+TEST(PhoneTestPicture, AFadedPictureIsReadAsLongAsItsCellsStandOut) {
   EXPECT_THAT(counterIn(*faded(numbered(4242), 3)), Optional(4242U));
   EXPECT_EQ(counterIn(*faded(numbered(4242), 8)), std::nullopt);
 }
 
-TEST(TestPicture, TheTouchRowIsNeverTakenForTheCounter) {
+TEST(PhoneTestPicture, TheTouchRowIsNeverTakenForTheCounter) {
   const FramePtr frame = drawn(numbered(4242));
   const auto stride = static_cast<std::size_t>(frame->linesize[0]);
   std::memmove(frame->data[0] + 436 * stride, frame->data[0] + 456 * stride, 16 * stride);
@@ -157,7 +157,7 @@ TEST(TestPicture, TheTouchRowIsNeverTakenForTheCounter) {
   EXPECT_TRUE(readTouches(frame->data[0], 800, 480, frame->linesize[0]));
 }
 
-TEST(TestPicture, TheSameFrameGivesTheSamePicture) {
+TEST(PhoneTestPicture, TheSameFrameGivesTheSamePicture) {
   const FramePtr one = drawn(numbered(77));
   const FramePtr other = phone::makeYuvFrame(800, 480);
   for (int plane = 0; plane < 3; ++plane) {
@@ -175,7 +175,7 @@ TEST(TestPicture, TheSameFrameGivesTheSamePicture) {
   }
 }
 
-TEST(TestPicture, MovesWithTimeAlone) {
+TEST(PhoneTestPicture, MovesWithTimeAlone) {
   TestFrame now = numbered(5);
   TestFrame later = now;
   later.timeUs += 33'333;
@@ -186,7 +186,7 @@ TEST(TestPicture, MovesWithTimeAlone) {
   EXPECT_GT(changed, 800 * 480 / 100) << "a still picture would hide a stream that stands still";
 }
 
-TEST(TestPicture, AFingerIsMarkedWhereItIs) {
+TEST(PhoneTestPicture, AFingerIsMarkedWhereItIs) {
   TestFrame picture = numbered(9);
   const std::vector<std::uint8_t> without = lumaOf(*drawn(picture));
   picture.touches = {{300, 240, 0}};
@@ -205,7 +205,7 @@ TEST(TestPicture, AFingerIsMarkedWhereItIs) {
   EXPECT_EQ(darkOnRing, 0);
 }
 
-TEST(TestPicture, TouchesAreReadBack) {
+TEST(PhoneTestPicture, TouchesAreReadBack) {
   TestFrame picture = numbered(1);
   picture.touchSequence = 0xabcdef;
   picture.touches = {{10, 10, 0}, {790, 470, 1}, {400, 475, 2}};
@@ -217,7 +217,7 @@ TEST(TestPicture, TouchesAreReadBack) {
   EXPECT_THAT(counterIn(*frame), Optional(1U)) << "fingers on the strip hide nothing";
 }
 
-TEST(TestPicture, AFingerAtTheEdgeIsMarkedUpToTheEdge) {
+TEST(PhoneTestPicture, AFingerAtTheEdgeIsMarkedUpToTheEdge) {
   TestFrame picture = numbered(1);
   picture.touches = {{300, 34, 0}, {34, 240, 1}};
   const std::vector<std::uint8_t> luma = lumaOf(*drawn(picture));
@@ -225,7 +225,7 @@ TEST(TestPicture, AFingerAtTheEdgeIsMarkedUpToTheEdge) {
   EXPECT_GT(luma[240 * 800], 150);
 }
 
-TEST(TestPicture, FingersBeyondThePictureAreCutOff) {
+TEST(PhoneTestPicture, FingersBeyondThePictureAreCutOff) {
   TestFrame picture = numbered(1);
   picture.touches = {{-5000, -5000, 0}, {0, 0, 1}, {799, 479, 2}, {100000, 3, -7}, {3, 100000, 12345}};
   const FramePtr frame = drawn(picture);

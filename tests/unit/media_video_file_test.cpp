@@ -46,7 +46,7 @@ struct VideoFile : testing::Test {
 };
 
 /// Passing H.264 through.
-struct Passthrough : VideoFile {
+struct PhonePassthrough : VideoFile {
   // The NAL units as they stand in the file's packets: of the length-prefixed kind in MP4, Annex B elsewhere.
   static std::vector<Bytes> nalUnitsOf(const AVPacket& packet, bool lengthPrefixed) {
     std::vector<Bytes> units;
@@ -100,7 +100,7 @@ struct Passthrough : VideoFile {
   }
 };
 
-TEST_F(Passthrough, KeepsEveryNalUnitOfEveryContainerBitForBit) {
+TEST_F(PhonePassthrough, KeepsEveryNalUnitOfEveryContainerBitForBit) {
   expectSameNalUnits(numbered("a.mp4", {}), true);
   expectSameNalUnits(numbered("a.mkv", {}), true);
   expectSameNalUnits(numbered("a.ts", {}), false);
@@ -108,7 +108,7 @@ TEST_F(Passthrough, KeepsEveryNalUnitOfEveryContainerBitForBit) {
   expectSameNalUnits(numbered("a.avi", {}), false);
 }
 
-TEST_F(Passthrough, AnnexBPacketsAreHandedOnUnchanged) {
+TEST_F(PhonePassthrough, AnnexBPacketsAreHandedOnUnchanged) {
   const std::string path = numbered("a.ts", {});
   std::string error;
   const auto demuxer = phone::Demuxer::open(path, AVMEDIA_TYPE_VIDEO, &error);
@@ -122,7 +122,7 @@ TEST_F(Passthrough, AnnexBPacketsAreHandedOnUnchanged) {
   }
 }
 
-TEST_F(Passthrough, KeepsTheFilesOwnSizeAndPictures) {
+TEST_F(PhonePassthrough, KeepsTheFilesOwnSizeAndPictures) {
   VideoOptions options;
   options.width = 800;
   options.height = 480;
@@ -137,7 +137,7 @@ TEST_F(Passthrough, KeepsTheFilesOwnSizeAndPictures) {
   }
 }
 
-TEST_F(Passthrough, CodecConfigHoldsTheParameterSets) {
+TEST_F(PhonePassthrough, CodecConfigHoldsTheParameterSets) {
   for (const char* name : {"a.mp4", "a.ts", "a.h264"}) {
     const Bytes config = open(numbered(name, {}))->codecConfig();
     const std::vector<phone::NalUnit> units = phone::splitAnnexB(config.data(), config.size());
@@ -147,7 +147,7 @@ TEST_F(Passthrough, CodecConfigHoldsTheParameterSets) {
   }
 }
 
-TEST_F(Passthrough, TimesAreMicrosecondsFromZeroAndKeyFramesAreMarked) {
+TEST_F(PhonePassthrough, TimesAreMicrosecondsFromZeroAndKeyFramesAreMarked) {
   for (const char* name : {"a.mp4", "a.ts", "a.avi"}) {
     SCOPED_TRACE(name);
     const std::vector<AccessUnit> units = drain(open(numbered(name, {})).get());
@@ -160,7 +160,7 @@ TEST_F(Passthrough, TimesAreMicrosecondsFromZeroAndKeyFramesAreMarked) {
   }
 }
 
-TEST_F(Passthrough, AccessUnitsWithoutTimesAreSpacedByTheFrameRate) {
+TEST_F(PhonePassthrough, AccessUnitsWithoutTimesAreSpacedByTheFrameRate) {
   const std::vector<AccessUnit> units = drain(open(numbered("a.h264", {})).get());
   ASSERT_EQ(units.size(), 12U);
   for (std::size_t i = 0; i < units.size(); ++i) {
@@ -169,7 +169,7 @@ TEST_F(Passthrough, AccessUnitsWithoutTimesAreSpacedByTheFrameRate) {
   }
 }
 
-TEST_F(Passthrough, ReorderedPicturesAreDueInOrderAndNeverAfterTheyAreShown) {
+TEST_F(PhonePassthrough, ReorderedPicturesAreDueInOrderAndNeverAfterTheyAreShown) {
   VideoRecipe recipe;
   recipe.bFrames = 2;
   recipe.settings = {{"x264-params", "b-adapt=0"}};
@@ -195,7 +195,7 @@ TEST_F(Passthrough, ReorderedPicturesAreDueInOrderAndNeverAfterTheyAreShown) {
   }
 }
 
-TEST_F(Passthrough, EndsAfterAsManyFramesAsWantedAndStaysEnded) {
+TEST_F(PhonePassthrough, EndsAfterAsManyFramesAsWantedAndStaysEnded) {
   VideoOptions options;
   options.frames = 5;
   const auto source = open(numbered("a.mp4", {}), options);
@@ -204,7 +204,7 @@ TEST_F(Passthrough, EndsAfterAsManyFramesAsWantedAndStaysEnded) {
   EXPECT_FALSE(source->next(&unit));
 }
 
-TEST_F(Passthrough, LoopsWithTimesThatGoOn) {
+TEST_F(PhonePassthrough, LoopsWithTimesThatGoOn) {
   VideoOptions options;
   options.loop = true;
   options.frames = 30;
@@ -223,7 +223,7 @@ TEST_F(Passthrough, LoopsWithTimesThatGoOn) {
   }
 }
 
-TEST_F(Passthrough, BeginsAtTheFirstKeyFrame) {
+TEST_F(PhonePassthrough, BeginsAtTheFirstKeyFrame) {
   // Four packets of a broadcast are missing, the key frame among them.
   const std::string whole = numbered("whole.h264", {});
   std::string error;
@@ -245,7 +245,7 @@ TEST_F(Passthrough, BeginsAtTheFirstKeyFrame) {
   EXPECT_EQ(viewer.counterOf(units[0]), 6U);
 }
 
-TEST_F(Passthrough, AFileThatBreaksOffEndsThere) {
+TEST_F(PhonePassthrough, AFileThatBreaksOffEndsThere) {
   const std::string path = numbered("a.ts", {});
   std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
   const auto source = open(path);
@@ -255,7 +255,7 @@ TEST_F(Passthrough, AFileThatBreaksOffEndsThere) {
 }
 
 /// Everything that is not H.264.
-struct Transcoding : VideoFile {
+struct PhoneTranscoding : VideoFile {
   static VideoOptions sized(int width, int height, int fps) {
     VideoOptions options;
     options.width = width;
@@ -283,7 +283,7 @@ struct Transcoding : VideoFile {
   }
 };
 
-TEST_F(Transcoding, ShowsEveryPictureOnceAtTheSameFrameRate) {
+TEST_F(PhoneTranscoding, ShowsEveryPictureOnceAtTheSameFrameRate) {
   for (const char* name : {"a.avi", "a.mp4", "a.mkv"}) {
     SCOPED_TRACE(name);
     const auto source = open(numbered(name, mpeg4()), sized(800, 480, 30));
@@ -293,7 +293,7 @@ TEST_F(Transcoding, ShowsEveryPictureOnceAtTheSameFrameRate) {
   }
 }
 
-TEST_F(Transcoding, GivesEvenTimesAndAKeyFrameFirst) {
+TEST_F(PhoneTranscoding, GivesEvenTimesAndAKeyFrameFirst) {
   const std::vector<AccessUnit> units = drain(open(numbered("a.avi", mpeg4()), sized(400, 240, 30)).get());
   ASSERT_EQ(units.size(), 12U);
   for (std::size_t i = 0; i < units.size(); ++i) {
@@ -303,7 +303,7 @@ TEST_F(Transcoding, GivesEvenTimesAndAKeyFrameFirst) {
   }
 }
 
-TEST_F(Transcoding, RepeatsPicturesForAHigherFrameRate) {
+TEST_F(PhoneTranscoding, RepeatsPicturesForAHigherFrameRate) {
   VideoRecipe recipe = mpeg4();
   recipe.fps = 10;
   recipe.frames = 4;
@@ -316,7 +316,7 @@ TEST_F(Transcoding, RepeatsPicturesForAHigherFrameRate) {
   }
 }
 
-TEST_F(Transcoding, LeavesPicturesOutForALowerFrameRate) {
+TEST_F(PhoneTranscoding, LeavesPicturesOutForALowerFrameRate) {
   VideoRecipe recipe = mpeg4();
   recipe.frames = 30;
   const auto source = open(numbered("a.avi", recipe), sized(400, 240, 10));
@@ -327,13 +327,13 @@ TEST_F(Transcoding, LeavesPicturesOutForALowerFrameRate) {
   }
 }
 
-TEST_F(Transcoding, AVideoShorterThanAFrameIsShownOnce) {
+TEST_F(PhoneTranscoding, AVideoShorterThanAFrameIsShownOnce) {
   VideoRecipe recipe = mpeg4();
   recipe.frames = 1;
   EXPECT_THAT(countersIn(open(numbered("a.avi", recipe), sized(400, 240, 5)).get()), ElementsAre(0));
 }
 
-TEST_F(Transcoding, LoopsWithCountersAndTimesThatGoOn) {
+TEST_F(PhoneTranscoding, LoopsWithCountersAndTimesThatGoOn) {
   VideoOptions options = sized(400, 240, 30);
   options.loop = true;
   options.frames = 30;
@@ -347,7 +347,7 @@ TEST_F(Transcoding, LoopsWithCountersAndTimesThatGoOn) {
   }
 }
 
-TEST_F(Transcoding, EndsAfterAsManyFramesAsWantedAndStaysEnded) {
+TEST_F(PhoneTranscoding, EndsAfterAsManyFramesAsWantedAndStaysEnded) {
   VideoOptions options = sized(400, 240, 30);
   options.frames = 5;
   const auto source = open(numbered("a.avi", mpeg4()), options);
@@ -356,7 +356,7 @@ TEST_F(Transcoding, EndsAfterAsManyFramesAsWantedAndStaysEnded) {
   EXPECT_FALSE(source->next(&unit));
 }
 
-TEST_F(Transcoding, KeepsProportionsBetweenBlackBars) {
+TEST_F(PhoneTranscoding, KeepsProportionsBetweenBlackBars) {
   VideoRecipe square = mpeg4();
   square.width = square.height = 240;
   square.frames = 1;
@@ -380,7 +380,7 @@ TEST_F(Transcoding, KeepsProportionsBetweenBlackBars) {
   EXPECT_NEAR(frame->data[0][400], 200, 3) << "no bar above";
 }
 
-TEST_F(Transcoding, BrightnessOfFullRangePicturesIsKept) {
+TEST_F(PhoneTranscoding, BrightnessOfFullRangePicturesIsKept) {
   VideoRecipe recipe = mpeg4();
   recipe.codec = "mjpeg";
   recipe.format = AV_PIX_FMT_YUVJ420P;
@@ -398,13 +398,13 @@ TEST_F(Transcoding, BrightnessOfFullRangePicturesIsKept) {
   EXPECT_NEAR(frame->data[0][120 * frame->linesize[0] + 200], 235, 2) << "white is 255 there and 235 here";
 }
 
-TEST_F(Transcoding, RefusesASizeThatCannotBeEncoded) {
+TEST_F(PhoneTranscoding, RefusesASizeThatCannotBeEncoded) {
   std::string error;
   EXPECT_EQ(phone::openVideoFile(numbered("a.avi", mpeg4()), sized(801, 480, 30), &error), nullptr);
   EXPECT_THAT(error, HasSubstr("801x480 cannot be encoded"));
 }
 
-TEST_F(Transcoding, AColonInAFileNameIsNoProtocol) {
+TEST_F(PhoneTranscoding, AColonInAFileNameIsNoProtocol) {
   numbered("clip:2.avi", mpeg4());
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
@@ -414,22 +414,22 @@ TEST_F(Transcoding, AColonInAFileNameIsNoProtocol) {
 }
 
 /// Files that are no video.
-struct NoVideo : VideoFile {};
+struct PhoneNoVideo : VideoFile {};
 
-TEST_F(NoVideo, AMissingFile) {
+TEST_F(PhoneNoVideo, AMissingFile) {
   EXPECT_THAT(complaint(folder / "none.mp4"), HasSubstr("o such file or directory"));
 }
 
-TEST_F(NoVideo, AFolder) { EXPECT_THAT(complaint(folder.path()), HasSubstr("is a folder")); }
+TEST_F(PhoneNoVideo, AFolder) { EXPECT_THAT(complaint(folder.path()), HasSubstr("is a folder")); }
 
-TEST_F(NoVideo, ADevice) { EXPECT_THAT(complaint("/dev/zero"), HasSubstr("no ordinary file")); }
+TEST_F(PhoneNoVideo, ADevice) { EXPECT_THAT(complaint("/dev/zero"), HasSubstr("no ordinary file")); }
 
-TEST_F(NoVideo, AnEmptyFile) {
+TEST_F(PhoneNoVideo, AnEmptyFile) {
   writeFile(folder / "empty.mp4", "");
   complaint(folder / "empty.mp4");
 }
 
-TEST_F(NoVideo, ATextWhateverItIsCalled) {
+TEST_F(PhoneNoVideo, ATextWhateverItIsCalled) {
   std::string text;
   for (int i = 0; i < 400; ++i) text += "This is line " + std::to_string(i) + " of a text.\n";
   for (const char* name : {"a.txt", "a.mp4", "a.nfo", "a.h264", "a.cpp", "plain", "a:b.txt"}) {
@@ -438,7 +438,7 @@ TEST_F(NoVideo, ATextWhateverItIsCalled) {
   }
 }
 
-TEST_F(NoVideo, Noise) {
+TEST_F(PhoneNoVideo, Noise) {
   std::string noise;
   std::uint32_t state = 7;
   for (int i = 0; i < 50'000; ++i) noise += static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
@@ -448,13 +448,13 @@ TEST_F(NoVideo, Noise) {
   }
 }
 
-TEST_F(NoVideo, AVideoOfWhichOnlyTheBeginningIsLeft) {
+TEST_F(PhoneNoVideo, AVideoOfWhichOnlyTheBeginningIsLeft) {
   const std::string path = numbered("a.mp4", {});
   std::filesystem::resize_file(path, 200);
   complaint(path);
 }
 
-TEST_F(NoVideo, ASongWithACover) {
+TEST_F(PhoneNoVideo, ASongWithACover) {
   SoundRecipe song;
   song.codec = "flac";
   song.cover = phone::encodePng(Bytes(256 * 256 * 3, 77).data(), 256, 256);
@@ -462,7 +462,7 @@ TEST_F(NoVideo, ASongWithACover) {
   EXPECT_THAT(complaint(folder / "a.flac"), HasSubstr("holds no video"));
 }
 
-TEST_F(NoVideo, OnlySound) {
+TEST_F(PhoneNoVideo, OnlySound) {
   writeSound(folder / "a.wav", {}, std::vector<std::int16_t>(9600));
   EXPECT_THAT(complaint(folder / "a.wav"), HasSubstr("holds no video"));
 }

@@ -115,9 +115,14 @@ class AudioFile final : public PcmSource {
   bool refill() {
     if (decoder_ == nullptr) return false;
     const AVFrame* frame = decoder_->next();
-    if (resampler_.convert(frame, &ready_) && frame != nullptr) return true;
+    const std::size_t before = ready_.size();
+    const bool converted = resampler_.convert(frame, &ready_);
+    passIsHeard_ = passIsHeard_ || ready_.size() > before;
+    if (converted && frame != nullptr) return true;
     decoder_.reset();
-    if (frame != nullptr || !loop_) return false;
+    // A file too short to give a single sample would be read again and again for ever.
+    if (!converted || !loop_ || !passIsHeard_) return false;
+    passIsHeard_ = false;
     std::string ignored;
     decoder_ = MediaDecoder::open(path_, AVMEDIA_TYPE_AUDIO, &ignored);
     resampler_ = Resampler(sampleRate_, channels_);
@@ -131,6 +136,7 @@ class AudioFile final : public PcmSource {
   int sampleRate_;
   int channels_;
   bool loop_;
+  bool passIsHeard_ = false;  // this pass through the file has given sound
   std::vector<std::uint8_t> ready_;
 };
 

@@ -21,8 +21,9 @@ class StreamClock {
   /// Another time that the one just stamped carries, on the same scale.
   std::int64_t convert(std::int64_t time, AVRational base) const;
 
-  /// The next one stamped is a file's first again, and starts where the last one ends.
-  void startAgain() { atStart_ = true; }
+  /// The next one stamped is a file's first again, and starts where the last one ends; a pass through a file
+  /// lasts 10 ms at least, so that a file of next to nothing is not read a thousand times for one picture.
+  void startAgain();
 
   /// When the last one stamped ends.
   std::int64_t endUs() const { return endUs_; }
@@ -30,6 +31,7 @@ class StreamClock {
  private:
   std::int64_t intervalUs_;
   bool mayJump_;
+  std::int64_t passStartUs_ = 0;
   std::int64_t originUs_ = 0;  // the file's own time at the source's start
   std::int64_t nowUs_ = 0;
   std::int64_t endUs_ = 0;

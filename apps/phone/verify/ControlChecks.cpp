@@ -58,7 +58,7 @@ void refusesDamagedRecords(Probe& probe) {
 
 void refusesUnknownTypes(Probe& probe) {
   probe.link();
-  for (const std::uint16_t type : {10, 20, 100, 254, 0x7fff, 0x8000, 0x8001}) {
+  for (const std::uint16_t type : std::initializer_list<std::uint16_t>{10, 20, 100, 254, 0x7fff, 0x8000, 0x8001}) {
     probe.expectRefused(0, messageBytes(type), "type " + hex(type) + " on channel 0");
   }
   probe.expectAlive();
@@ -66,7 +66,7 @@ void refusesUnknownTypes(Probe& probe) {
 
 void refusesItsOwnTypes(Probe& probe) {
   probe.link();
-  for (const std::uint16_t type : {MESSAGE_VERSION_REQUEST, MESSAGE_AUTH_RESPONSE, MESSAGE_SERVICE_DISCOVERY_RESPONSE,
+  for (const std::uint16_t type : std::initializer_list<std::uint16_t>{MESSAGE_VERSION_REQUEST, MESSAGE_AUTH_RESPONSE, MESSAGE_SERVICE_DISCOVERY_RESPONSE,
                                    MESSAGE_NAV_FOCUS_NOTIFICATION, MESSAGE_AUDIO_FOCUS_NOTIFICATION}) {
     probe.expectRefused(0, messageBytes(type), "type " + hex(type) + ", which only a head unit sends");
   }

@@ -1,0 +1,94 @@
+#include "phone/verify/Runner.h"
+
+#include <algorithm>
+
+#include "phone/Socket.h"
+#include "phone/verify/Probe.h"
+
+namespace phone::verify {
+
+namespace {
+
+constexpr int patienceWithDeadLinks = 3;
+
+Result runOne(const Check& check, Probe& probe, bool keepLink) {
+  Result result;
+  result.name = check.name;
+  result.meaning = check.meaning;
+  const Micros start = steadyNow();
+  try {
+    probe.beginCheck(keepLink);
+    check.run(probe);
+  } catch (const Mismatch& mismatch) {
+    result.outcome = Outcome::failed;
+    result.expected = mismatch.expected;
+    result.came = mismatch.came;
+  } catch (const NotOffered& missing) {
+    result.outcome = Outcome::skipped;
+    result.expected = missing.what;
+  }
+  result.took = steadyNow() - start;
+  return result;
+}
+
+}  // namespace
+
+std::size_t Run::count(Outcome outcome) const {
+  return static_cast<std::size_t>(std::count_if(results.begin(), results.end(), [outcome](const Result& result) {
+    return result.outcome == outcome;
+  }));
+}
+
+const Result* Run::find(const std::string& name) const {
+  for (const Result& result : results) {
+    if (result.name == name) return &result;
+  }
+  return nullptr;
+}
+
+Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials, const OnResult& onResult) {
+  Probe probe(headUnit, credentials);
+  Run run;
+  bool keepLink = true;
+  int dead = 0;
+  for (const Check& check : checks) {
+    Result result;
+    if (dead < patienceWithDeadLinks) {
+      result = runOne(check, probe, keepLink);
+    } else {
+      result = {check.name, check.meaning, Outcome::skipped, "a link that comes up", "", 0};
+    }
+    keepLink = result.outcome != Outcome::failed;
+    const bool noLink = result.outcome == Outcome::failed && (result.expected == "a link that comes up" ||
+                                                              result.expected == "a way to the head unit");
+    dead = noLink ? dead + 1 : dead >= patienceWithDeadLinks ? dead : 0;
+    if (onResult) onResult(result);
+    run.results.push_back(std::move(result));
+  }
+  return run;
+}
+
+Checks choose(const Checks& checks, const std::vector<std::string>& prefixes) {
+  if (prefixes.empty()) return checks;
+  Checks chosen;
+  for (const Check& check : checks) {
+    const std::string name = check.name;
+    const bool wanted = std::any_of(prefixes.begin(), prefixes.end(), [&name](const std::string& prefix) {
+      return name.compare(0, prefix.size(), prefix) == 0;
+    });
+    if (wanted) chosen.push_back(check);
+  }
+  return chosen;
+}
+
+Checks allChecks() {
+  Checks all;
+  for (const Checks& some : {bringUpChecks(), discoveryChecks(), controlChecks(), channelChecks(), videoChecks(),
+                             audioChecks(), microphoneChecks(), sensorChecks(), inputChecks(), carServiceChecks(),
+                             clusterServiceChecks(), verificationChecks(), frameChecks()}) {
+    all.insert(all.end(), some.begin(), some.end());
+  }
+  return all;
+}
+
+}  // namespace phone::verify

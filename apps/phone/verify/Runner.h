@@ -1,0 +1,40 @@
+#ifndef PHONE_VERIFY_RUNNER_H
+#define PHONE_VERIFY_RUNNER_H
+
+#include <functional>
+
+#include "phone/verify/Check.h"
+#include "phone/verify/LinkUnderTest.h"
+
+namespace phone::verify {
+
+enum class Outcome { passed, failed, skipped };
+
+struct Result {
+  std::string name;
+  std::string meaning;
+  Outcome outcome = Outcome::passed;
+  std::string expected;  ///< If failed; if skipped, what is not offered.
+  std::string came;
+  Micros took = 0;
+};
+
+struct Run {
+  std::vector<Result> results;
+  std::size_t count(Outcome outcome) const;
+  const Result* find(const std::string& name) const;
+};
+
+/// Called after each check.
+using OnResult = std::function<void(const Result&)>;
+
+/// Runs the checks one after the other. Once no link comes up several times in a row, those that need one are
+/// skipped, so that a dead head unit does not cost a deadline each.
+Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials, const OnResult& onResult = {});
+
+/// The checks whose name begins with one of `prefixes`; all of them if there are none.
+Checks choose(const Checks& checks, const std::vector<std::string>& prefixes);
+
+}  // namespace phone::verify
+
+#endif

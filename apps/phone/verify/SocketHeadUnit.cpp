@@ -1,0 +1,95 @@
+#include "phone/verify/SocketHeadUnit.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace phone::verify {
+
+namespace {
+
+constexpr Micros connectLimit = 4'000'000;
+constexpr std::size_t chunk = std::size_t{64} << 10;
+
+bool wouldBlock() { return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR; }
+
+class SocketLink : public LinkUnderTest {
+ public:
+  SocketLink(LinkOptions options, Socket socket) : link_(std::move(options)), socket_(std::move(socket)) {
+    fcntl(socket_.descriptor(), F_SETFL, fcntl(socket_.descriptor(), F_GETFL) | O_NONBLOCK);
+  }
+
+  PhoneLink& link() override { return link_; }
+
+  bool runUntil(const std::function<bool()>& done, Micros limit) override {
+    const Micros end = steadyNow() + limit;
+    for (;;) {
+      writeSome();
+      if (done()) return true;
+      const Micros left = end - steadyNow();
+      if (left <= 0 || closed_) return false;
+      waitFor(left);
+    }
+  }
+
+ private:
+  void waitFor(Micros left) {
+    pollfd polled{socket_.descriptor(), POLLIN, 0};
+    if (sent_ < sending_.size() || link_.hasOutput()) polled.events |= POLLOUT;
+    if (::poll(&polled, 1, static_cast<int>(left / 1000 + 1)) > 0 && (polled.revents & ~POLLOUT) != 0) readSome();
+  }
+
+  void readSome() {
+    std::array<std::uint8_t, chunk> bytes;
+    const ssize_t got = ::recv(socket_.descriptor(), bytes.data(), bytes.size(), 0);
+    if (got > 0) return link_.feed(bytes.data(), static_cast<std::size_t>(got));
+    if (got < 0 && wouldBlock()) return;
+    closed_ = true;
+    link_.streamEnded(got == 0 ? "" : std::strerror(errno));
+  }
+
+  void writeSome() {
+    while (!closed_) {
+      if (sent_ == sending_.size()) {
+        sending_ = link_.takeOutput(chunk);
+        sent_ = 0;
+      }
+      if (sending_.empty()) return;
+      const ssize_t sent = ::send(socket_.descriptor(), &sending_[sent_], sending_.size() - sent_, MSG_NOSIGNAL);
+      // A head unit that has gone may have told why: that is read before the link is given up.
+      if (sent < 0 && !wouldBlock()) return readSome();
+      if (sent <= 0) return;
+      sent_ += static_cast<std::size_t>(sent);
+    }
+  }
+
+  PhoneLink link_;
+  Socket socket_;
+  Bytes sending_;
+  std::size_t sent_ = 0;
+  bool closed_ = false;
+};
+
+}  // namespace
+
+Socket SocketHeadUnit::reach(std::string* error) {
+  if (!listener_) return connectTo(endpoint_, connectLimit, wake_, error);
+  pollfd polled{listener_.descriptor(), POLLIN, 0};
+  if (::poll(&polled, 1, static_cast<int>(connectLimit / 1000)) > 0) return acceptOne(listener_, wake_, error);
+  *error = "no head unit has connected within 4 s";
+  return Socket();
+}
+
+std::unique_ptr<LinkUnderTest> SocketHeadUnit::connect(LinkOptions options, std::string* error) {
+  Socket socket = reach(error);
+  if (socket) return std::make_unique<SocketLink>(std::move(options), std::move(socket));
+  if (error->empty()) *error = "interrupted";
+  return nullptr;
+}
+
+}  // namespace phone::verify

@@ -16,8 +16,14 @@ void CarServices::open(const ServiceDiscoveryResponse& services) {
     input_ = std::make_unique<InputReader>(link_, &touches_, options_.listener);
     input_->open(link_->unusedChannel(), *service);
   }
-  const Service* service = findMicrophone(services);
-  if (service == nullptr || !options_.recordMicrophone) return;
+  if (options_.recordMicrophone) openMicrophone(findMicrophone(services));
+}
+
+void CarServices::openMicrophone(const Service* service) {
+  if (service == nullptr) {
+    if (problem_) problem_({false, Side::headUnit, "offers no microphone", "leave out --microphone"});
+    return;
+  }
   microphone_ =
       std::make_unique<Microphone>(link_, options_.microphoneMaxUnacked, options_.recordMicrophone, problem_);
   microphone_->open(link_->unusedChannel(), *service);

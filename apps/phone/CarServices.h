@@ -38,6 +38,8 @@ class CarServices {
   const Microphone* microphone() const { return microphone_.get(); }
 
  private:
+  void openMicrophone(const Service* service);
+
   PhoneLink* link_;
   CarOptions options_;
   Microphone::Problem problem_;

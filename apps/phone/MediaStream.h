@@ -19,7 +19,7 @@ struct StreamOptions {
   bool paced = true;               ///< False: as quick as the acknowledgements allow.
   MediaClock* clock = nullptr;     ///< Shared with other streams; null for one of its own.
   std::uint64_t unitLimit = 0;     ///< Stop after so many units; 0 for no limit.
-  Micros answerLimit = 4'000'000;  ///< How long the head unit may take to open, to configure, to acknowledge.
+  Micros answerLimit = 3'500'000;  ///< How long the head unit may take to open, to configure, to acknowledge.
   Micros drainLimit = 1'000'000;   ///< How long Stop waits at the end for the last acknowledgements.
 };
 

@@ -17,7 +17,7 @@ struct SessionOptions {
   std::vector<AudioStreamType> sounds;  ///< Which streams of sound are played, if the head unit takes them.
   SoundFactory makeSound;               ///< Needed where `sounds` are.
   CarOptions car;
-  Micros bringUpLimit = 4'000'000;   ///< From start() until the services are known.
+  Micros bringUpLimit = 3'500'000;   ///< From start() until the services are known.
   Micros silenceLimit = 4'000'000;   ///< A head unit that says nothing for so long, pings included, is gone.
   Micros farewellLimit = 1'000'000;  ///< How long good-bye waits for its answer.
 };

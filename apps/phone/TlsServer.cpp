@@ -152,7 +152,9 @@ void TlsServer::takeOutput(Bytes* out) {
 
 void TlsServer::describeFailure() {
   const long verdict = SSL_get_verify_result(state_->ssl.get());
-  error_ = verdict == X509_V_OK ? lastError() : X509_verify_cert_error_string(verdict);
+  error_ = verdict == X509_V_OK
+               ? lastError()
+               : std::string("its certificate does not hold: ") + X509_verify_cert_error_string(verdict);
   ERR_clear_error();
 }
 

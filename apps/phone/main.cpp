@@ -21,7 +21,7 @@ namespace {
 constexpr int exitClean = 0;
 constexpr int exitUsage = 1;
 constexpr int exitLink = 2;
-constexpr Micros connectLimit = 4'000'000;
+constexpr Micros connectLimit = 3'500'000;
 
 Wake* interruptWake = nullptr;
 

@@ -193,7 +193,7 @@ TEST_F(PhoneLinkTest, AFlaggedFrameMayBePlainUntilTheHeadUnitHasAgreed) {
 TEST_F(PhoneLinkTest, AStrangersCertificateEndsTheLinkWithAnAlert) {
   headUnit(credentials().strangerHeadUnit).asksVersion();
   headUnit().shakesHands();
-  expectFailure(Side::headUnit, "TLS handshake failed (unable to get local issuer certificate)");
+  expectFailure(Side::headUnit, "TLS handshake failed (its certificate does not hold: unable to get");
 }
 
 TEST_F(PhoneLinkTest, AnAlertStillLeavesAfterTheEnd) {

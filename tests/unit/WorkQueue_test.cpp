@@ -248,6 +248,23 @@ TEST_F(WorkQueueTest, ItemsThatWaitAtAShutdownAreReleasedUnrunByTheDestructor) {
   EXPECT_THAT(log.all(), IsEmpty());
 }
 
+TEST_F(WorkQueueTest, AnItemTakenWhileTheQueueStopsIsDroppedUnrun) {
+  int runs = 0;
+  {
+    WorkQueue queue(THREADS);
+    queue.start();
+    for (int i = 0; i < THREADS; ++i) queue.queueWork(item([&] { ran.up(); }));
+    wait(ran, THREADS);
+    {
+      const FailingCall nobodyIsWoken("sem_post");  // before the queue stops
+      EXPECT_FALSE(queue.queueWork(item([&] { ++runs; })));
+    }
+    queue.shutdown();
+  }
+  EXPECT_EQ(runs, 0);
+  EXPECT_EQ(itemsAlive, 0);
+}
+
 TEST_F(WorkQueueTest, AnItemQueuedAfterAShutdownWaitsForTheDestructor) {
   int runs = 0;
   {

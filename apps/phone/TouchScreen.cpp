@@ -25,25 +25,22 @@ void TouchScreen::setPicture(TestPictureSource* picture) {
 void TouchScreen::take(const TouchEvent& event) {
   ++stats_.received;
   unseen_.push_back(timers_->now());
-  fingers_.clear();
-  for (int i = 0; i < event.pointer_data_size(); ++i) {
-    if (!lifts(event, i)) fingers_.push_back(event.pointer_data(i));
-  }
+  latest_ = event;
   show();
 }
 
 void TouchScreen::show() {
   if (picture_ == nullptr) return;
   std::vector<TouchMark> marks;
-  for (const TouchEvent_Pointer& finger : fingers_) marks.push_back(markOf(finger));
+  for (int i = 0; i < latest_.pointer_data_size(); ++i) {
+    const TouchEvent_Pointer& finger = latest_.pointer_data(i);
+    marks.push_back({scaled(finger.x(), space_.width, picture_->width()),
+                     scaled(finger.y(), space_.height, picture_->height()),
+                     static_cast<int>(finger.pointer_id()), lifts(latest_, i)});
+  }
   // A picture that has come late, or anew, counts from its own beginning.
   while (picture_->setTouches(marks) < stats_.received) {
   }
-}
-
-TouchMark TouchScreen::markOf(const TouchEvent_Pointer& pointer) const {
-  return {scaled(pointer.x(), space_.width, picture_->width()),
-          scaled(pointer.y(), space_.height, picture_->height()), static_cast<int>(pointer.pointer_id())};
 }
 
 void TouchScreen::onPictureSent(std::uint32_t sequence) {

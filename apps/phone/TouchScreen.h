@@ -18,8 +18,9 @@ struct TouchStats {
   std::vector<Micros> latencies;  ///< From a touch's arrival until the first picture that shows it was sent.
 };
 
-/// Puts a mark into the test picture where each finger is, and measures how long that takes. Each touch event
-/// raises the picture's touch sequence number by exactly one, so that who sent the touches can count along.
+/// Puts a mark into the test picture where each finger is, a faint one where a finger was lifted last, and
+/// measures how long that takes. Each touch event raises the picture's touch sequence number by exactly one,
+/// so that who sent the touches can count along.
 class TouchScreen {
  public:
   explicit TouchScreen(const Timers* timers) : timers_(timers) {}
@@ -37,12 +38,11 @@ class TouchScreen {
 
  private:
   void show();
-  TouchMark markOf(const TouchEvent_Pointer& pointer) const;
 
   const Timers* timers_;
   PictureSize space_{0, 0};
   TestPictureSource* picture_ = nullptr;
-  std::vector<TouchEvent_Pointer> fingers_;
+  TouchEvent latest_;
   std::deque<Micros> unseen_;  ///< When the touches came that no picture shows yet.
   TouchStats stats_;
 };

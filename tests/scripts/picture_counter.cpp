@@ -1,5 +1,6 @@
-// usage: picture_counter FILE.png
-// Prints the frame number that the phone simulator drew into the picture.
+// usage: picture_counter FILE.png [touches]
+// Prints the frame number that the phone simulator drew into the picture, or how many touches it had heard
+// of.
 #include <cstdio>
 #include <string>
 
@@ -7,7 +8,7 @@
 #include "phone/media/TestPicture.h"
 
 int main(int argc, char** argv) {
-  if (argc != 2) return 1;
+  if (argc != 2 && (argc != 3 || argv[2] != std::string("touches"))) return 1;
   std::string error;
   const auto picture = phone::readPicture(argv[1], &error);
   if (!picture) {
@@ -20,5 +21,15 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s shows no frame number\n", argv[1]);
     return 1;
   }
-  std::printf("%u\n", *counter);
+  if (argc == 2) {
+    std::printf("%u\n", *counter);
+    return 0;
+  }
+  const auto touches =
+      phone::readTouchesRgb(picture->rgb.data(), picture->width, picture->height, picture->stride());
+  if (!touches) {
+    std::fprintf(stderr, "%s shows no touches\n", argv[1]);
+    return 1;
+  }
+  std::printf("%u\n", touches->sequence);
 }

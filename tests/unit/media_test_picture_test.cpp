@@ -217,6 +217,20 @@ TEST(PhoneTestPicture, TouchesAreReadBack) {
   EXPECT_THAT(counterIn(*frame), Optional(1U)) << "fingers on the strip hide nothing";
 }
 
+TEST(PhoneTestPicture, ALiftedFingerIsMarkedFaintlyAndNotCounted) {
+  TestFrame picture = numbered(1);
+  const std::vector<std::uint8_t> none = lumaOf(*drawn(picture));
+  picture.touches = {{300, 240, 0}};
+  const std::vector<std::uint8_t> down = lumaOf(*drawn(picture));
+  picture.touches = {{300, 240, 0, true}};
+  const FramePtr frame = drawn(picture);
+  const std::vector<std::uint8_t> lifted = lumaOf(*frame);
+  const std::size_t onTheRing = 240 * 800 + 300 + 34;
+  EXPECT_GT(lifted[onTheRing], none[onTheRing]);
+  EXPECT_LT(lifted[onTheRing], down[onTheRing]);
+  EXPECT_EQ(readTouches(frame->data[0], 800, 480, frame->linesize[0])->fingers, 0);
+}
+
 TEST(PhoneTestPicture, AFingerAtTheEdgeIsMarkedUpToTheEdge) {
   TestFrame picture = numbered(1);
   picture.touches = {{300, 34, 0}, {34, 240, 1}};

@@ -36,8 +36,8 @@ struct ReportCollector : phone::CarListener {
 std::string words(const std::vector<phone::TouchMark>& touches) {
   std::string text;
   for (const phone::TouchMark& touch : touches) {
-    text += "[" + std::to_string(touch.pointerId) + " at " + std::to_string(touch.x) + "," +
-            std::to_string(touch.y) + "]";
+    text += (touch.lifted ? "(" : "[") + std::to_string(touch.pointerId) + " at " + std::to_string(touch.x) +
+            "," + std::to_string(touch.y) + "]";
   }
   return text;
 }
@@ -128,14 +128,14 @@ TEST_F(PhoneInputReader, MarksEachFingerWhereItIsInThePicture) {
   EXPECT_EQ(picture.sequence, 2U);
 }
 
-TEST_F(PhoneInputReader, RemovesTheFingerThatLeaves) {
+TEST_F(PhoneInputReader, TellsApartTheFingerThatLeaves) {
   opens();
   screen.setPicture(&picture);
   touches(true, 1, 2);
   touches(true, 0, 6);
-  EXPECT_EQ(words(picture.touches), "[1 at 799,479]");
-  touches(true, 0, 1);
-  EXPECT_EQ(words(picture.touches), "");
+  EXPECT_EQ(words(picture.touches), "(0 at 50,25][1 at 799,479]");
+  touches(false, 0, 1);
+  EXPECT_EQ(words(picture.touches), "(0 at 50,25]");
   EXPECT_EQ(picture.sequence, 3U);
 }
 

@@ -177,6 +177,11 @@ void Dashboard::drawTouches(const YuvView& picture, const TestFrame& frame) cons
     const Point at{static_cast<float>(touch.x), static_cast<float>(touch.y)};
     const auto id = static_cast<unsigned int>(touch.pointerId);
     const Colour colour = FINGERS[id % FINGERS.size()];
+    if (touch.lifted) {
+      paint(picture, Ring{at, 34 * scale_, 2.5F * scale_}, colour, 0.6F);
+      paint(picture, Capsule{at, at, 4 * scale_}, colour, 0.6F);
+      continue;
+    }
     paint(picture, Capsule{at, at, 34 * scale_}, PANEL, 0.55F);
     paint(picture, Ring{at, 34 * scale_, 3.5F * scale_}, colour);
     paint(picture, Ring{at, 42 * scale_, 1.2F * scale_}, colour, 0.5F);

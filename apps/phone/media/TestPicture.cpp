@@ -17,8 +17,10 @@ float scaleFor(int width, int height) {
 }
 
 std::uint32_t touchValue(const TestFrame& frame) {
-  const auto fingers = static_cast<std::uint32_t>(std::min<std::size_t>(frame.touches.size(), 255));
-  return frame.touchSequence << SEQUENCE_SHIFT | fingers;
+  const auto fingers = std::count_if(frame.touches.begin(), frame.touches.end(),
+                                     [](const TouchMark& touch) { return !touch.lifted; });
+  return frame.touchSequence << SEQUENCE_SHIFT |
+         static_cast<std::uint32_t>(std::min<std::ptrdiff_t>(fingers, 255));
 }
 
 std::optional<TouchEvidence> touchesIn(const LumaView& picture) {

@@ -14,6 +14,7 @@ struct TouchMark {
   int x = 0;
   int y = 0;
   int pointerId = 0;
+  bool lifted = false;  // no longer there: drawn faintly, and not counted among the fingers
 };
 
 /// What one frame of the test picture shows.

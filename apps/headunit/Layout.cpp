@@ -1,6 +1,17 @@
 #include "headunit/Layout.h"
 
+#include <algorithm>
+
 namespace headunit {
+namespace {
+
+// The source pixel under the middle of a target pixel.
+int scaled(int at, int target, int source) {
+  const long long twice = (2LL * at + 1) * source / target;
+  return static_cast<int>(std::clamp(twice / 2, 0LL, static_cast<long long>(source) - 1));
+}
+
+}  // namespace
 
 Rect fitted(Size picture, Size window) {
   if (picture.width <= 0 || picture.height <= 0 || window.width <= 0 || window.height <= 0) return {};
@@ -15,6 +26,28 @@ Rect fitted(Size picture, Size window) {
   area.x = (window.width - area.width) / 2;
   area.y = (window.height - area.height) / 2;
   return area;
+}
+
+Rect withoutMargins(Size picture, Size margins) {
+  if (margins.width >= picture.width || margins.height >= picture.height)
+    return {0, 0, picture.width, picture.height};
+  return {margins.width / 2, margins.height / 2, picture.width - margins.width,
+          picture.height - margins.height};
+}
+
+PictureView::PictureView(Size picture, Size margins, Size window)
+    : picture_(picture),
+      shown_(withoutMargins(picture, margins)),
+      area_(fitted({shown_.width, shown_.height}, window)) {}
+
+bool PictureView::isInside(Point inWindow) const {
+  return inWindow.x >= area_.x && inWindow.x < area_.x + area_.width && inWindow.y >= area_.y &&
+         inWindow.y < area_.y + area_.height;
+}
+
+Point PictureView::toPicture(Point inWindow) const {
+  return {shown_.x + scaled(inWindow.x - area_.x, area_.width, shown_.width),
+          shown_.y + scaled(inWindow.y - area_.y, area_.height, shown_.height)};
 }
 
 }  // namespace headunit

@@ -7,6 +7,11 @@ struct Size {
   int height = 0;
 };
 
+struct Point {
+  int x = 0;
+  int y = 0;
+};
+
 struct Rect {
   int x = 0;
   int y = 0;
@@ -17,5 +22,31 @@ struct Rect {
 /// Where a picture goes in a window: as large as it can be with its proportions kept, in the middle. Empty if
 /// either is empty.
 Rect fitted(Size picture, Size window);
+
+/// The part of a picture that is shown if it has margins, which are cut off by halves on either side.
+Rect withoutMargins(Size picture, Size margins);
+
+/// How a window shows a picture, and which place of the picture a place in the window is.
+class PictureView {
+ public:
+  PictureView() = default;
+  /// `margins`: the pixels of the picture's width and height that are not shown.
+  PictureView(Size picture, Size margins, Size window);
+
+  Size picture() const { return picture_; }
+  Rect shown() const { return shown_; }  ///< of the picture
+  Rect area() const { return area_; }    ///< of the window
+
+  bool isInside(Point inWindow) const;
+
+  /// The picture's own coordinates, margins and scaling undone. Outside of the area it is the nearest place
+  /// that is shown. Only if there is anything shown.
+  Point toPicture(Point inWindow) const;
+
+ private:
+  Size picture_;
+  Rect shown_;
+  Rect area_;
+};
 
 }  // namespace headunit

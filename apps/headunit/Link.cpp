@@ -6,7 +6,17 @@
 namespace headunit {
 namespace {
 
-constexpr int VIDEO_SERVICE = 1;
+enum ServiceId : int {
+  VIDEO = 1,
+  MEDIA_SOUND,
+  GUIDANCE,
+  SYSTEM_SOUND,
+  TELEPHONY,
+  MICROPHONE,
+  INPUT,
+  SENSORS
+};
+
 // Enough for the next frames to be on their way while one is decoded, and little enough to stay current.
 constexpr int MAX_UNACKED_FRAMES = 4;
 constexpr int DENSITY = 160;
@@ -34,6 +44,10 @@ bool Link::start(std::string* error) {
   receiver_.init(::shared_ptr<IControllerCallbacks>(
       new ControlCallbacks(&receiver_.controller(), &journal_, stats_.get())));
   offerVideo();
+  offerSound();
+  offerMicrophone();
+  offerInput();
+  offerSensors();
   describe();
   const Credentials& own = equipment_.credentials;
   if (!receiver_.controller().setClientCreds(own.root, own.certificate, own.key)) {
@@ -43,20 +57,73 @@ bool Link::start(std::string* error) {
   }
   running_ = transport_.start();
   receiver_.start();
+  players_.start();
   return running_;
 }
 
 void Link::offerVideo() {
   auto* const callbacks = new VideoCallbacks(video_.get(), &transport_);
-  videoSink_ = std::make_unique<VideoSink>(VIDEO_SERVICE, receiver_.messageRouter(),
+  videoSink_ = std::make_unique<VideoSink>(VIDEO, receiver_.messageRouter(),
                                            ::shared_ptr<IVideoSinkCallbacks>(callbacks));
   callbacks->answerThrough(videoSink_.get());
   videoSink_->setMaxUnacked(MAX_UNACKED_FRAMES);
   videoSink_->setGrantFocusOnSetup(true);
+  const Size margins = equipment_.margins;
   for (const int resolution : {VIDEO_800x480, VIDEO_1280x720, VIDEO_1920x1080}) {
-    for (const int rate : {30, 60}) videoSink_->addSupportedConfiguration(resolution, rate, 0, 0, DENSITY);
+    for (const int rate : {30, 60}) {
+      videoSink_->addSupportedConfiguration(resolution, rate, margins.width, margins.height, DENSITY);
+    }
   }
-  receiver_.registerService(videoSink_.get());
+  offer(videoSink_.get());
+}
+
+void Link::offerSound() {
+  const auto add = [this](int id, AudioStreamType type, AudioFormat format, const char* name) {
+    sounds_.push_back(
+        std::make_unique<SoundService>(id, type, format, name, receiver_.messageRouter(), equipment_.mixer));
+    offer(sounds_.back()->endpoint());
+  };
+  add(MEDIA_SOUND, AUDIO_STREAM_MEDIA, AudioFormat::stereo48k, "media");
+  add(GUIDANCE, AUDIO_STREAM_GUIDANCE, AudioFormat::mono16k, "guidance");
+  add(SYSTEM_SOUND, AUDIO_STREAM_SYSTEM_AUDIO, AudioFormat::mono16k, "system");
+  add(TELEPHONY, AUDIO_STREAM_TELEPHONY, AudioFormat::mono16k, "telephony");
+}
+
+void Link::offerMicrophone() {
+  microphone_ = std::make_unique<MicrophoneFeed>(
+      equipment_.microphone, [this](unsigned long long timestamp, ::shared_ptr<IoBuffer> const& buffer) {
+        audioSource_->send(timestamp, buffer);
+      });
+  if (equipment_.microphone == nullptr) return;
+  audioSource_ = std::make_unique<AudioSource>(
+      MICROPHONE, receiver_.messageRouter(),
+      ::shared_ptr<IAudioSourceCallbacks>(new MicrophoneCallbacks(microphone_.get())));
+  audioSource_->setConfig(static_cast<int>(MICROPHONE_RATE), 16, 1);
+  offer(audioSource_.get());
+}
+
+void Link::offerInput() {
+  input_ = std::make_unique<InputSource>(INPUT, receiver_.messageRouter());
+  input_->setTouchScreenPresent(true);
+  input_->setTouchScreenWidth(TOUCH_SCREEN.width);
+  input_->setTouchScreenHeight(TOUCH_SCREEN.height);
+  input_->setSupportedKeycodes(equipment_.keyCodes);
+  offer(input_.get());
+  equipment_.controls->attach(input_.get(), &controlTotals_);
+  if (!equipment_.touches) return;
+  touches_ = std::make_unique<TouchPlayer>(*equipment_.touches, equipment_.controls, [this] {
+    const VideoTotals totals = stats_->totals();
+    return Size{totals.width, totals.height};
+  });
+  players_.add(touches_.get());
+}
+
+void Link::offerSensors() {
+  sensors_ = std::make_unique<SensorSource>(SENSORS, receiver_.messageRouter());
+  for (const int type : equipment_.drive->sensors) sensors_->registerSensor(type);
+  offer(sensors_.get());
+  drive_ = std::make_unique<DrivePlayer>(equipment_.drive, sensors_.get());
+  players_.add(drive_.get());
 }
 
 void Link::describe() {
@@ -84,13 +151,33 @@ void Link::ping() {
 
 void Link::sayBye() { receiver_.controller().sendByeByeRequest(BYE_BYE_REASON_1); }
 
+// First whatever sends on its own, then the transport, and last what still needs the receiver to acknowledge.
 void Link::stop() {
   if (finished_) return;
   finished_ = true;
+  duration_ = between(stats_->started(), Clock::now());
+  players_.stop();
+  equipment_.controls->detach();
+  if (microphone_) microphone_->close();
   transport_.requestStop();
   if (running_) transport_.waitForExit();
-  video_->finish();  // its last acknowledgements still need the receiver
+  video_->finish();
+  for (const auto& sound : sounds_) sound->detach();
   receiver_.shutdown();
+}
+
+LinkRecord Link::record(LinkEnd end) const {
+  LinkRecord record;
+  record.stats = stats_;
+  record.end = std::move(end);
+  record.bytesRead = transport_.bytesRead();
+  record.bytesWritten = transport_.bytesWritten();
+  record.duration = duration_;
+  for (const auto& sound : sounds_) record.sounds.emplace_back(sound->name(), sound->totals());
+  if (microphone_) record.microphone = microphone_->totals();
+  record.controls = controlTotals_;
+  if (drive_) record.sensorReports = drive_->reports();
+  return record;
 }
 
 }  // namespace headunit

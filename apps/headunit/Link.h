@@ -1,33 +1,30 @@
 #pragma once
 
+#include <AudioSource.h>
+#include <InputSource.h>
+#include <SensorSource.h>
 #include <VantryReceiver.h>
 #include <VideoSink.h>
 
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "headunit/Credentials.h"
+#include "headunit/Equipment.h"
 #include "headunit/LinkJournal.h"
 #include "headunit/LinkStats.h"
 #include "headunit/LinkWatch.h"
-#include "headunit/RecentLines.h"
+#include "headunit/MicrophoneFeed.h"
+#include "headunit/PacedThread.h"
+#include "headunit/Report.h"
+#include "headunit/SoundService.h"
 #include "headunit/TcpTransport.h"
-#include "headunit/VideoPipeline.h"
 
 namespace headunit {
 
-/// What every link of the program shares. All of it outlives them.
-struct Equipment {
-  Credentials credentials;
-  std::function<std::unique_ptr<VideoDecoder>()> makeDecoder;
-  PictureSlot* slot = nullptr;
-  FrameBudget* budget = nullptr;
-  RecentLines* libraryLines = nullptr;
-};
-
-/// One phone: the receiver, its endpoints and their callbacks, the transport and the way of the video. It is
-/// used for one connection and no second one. All operations are its owner's, on a thread that is none of the
-/// link's.
+/// One phone: the receiver, its endpoints and their callbacks, the transport and the ways of picture, sound,
+/// touches and vehicle data. It is used for one connection and no second one. All operations are its owner's,
+/// on a thread that is none of the link's.
 class Link {
  public:
   /// `wake` is raised whenever `view` has changed.
@@ -39,19 +36,24 @@ class Link {
   bool start(std::string* error);
 
   LinkView view() const;
-  const std::shared_ptr<LinkStats>& stats() const { return stats_; }
-  std::uint64_t bytesRead() const { return transport_.bytesRead(); }
-  std::uint64_t bytesWritten() const { return transport_.bytesWritten(); }
+  const LinkStats& stats() const { return *stats_; }
 
   void ping();
   void sayBye();
 
-  /// Ends the threads and decodes what has come. May be called again.
+  /// Ends the threads, decodes what has come, and sums up. May be called again.
   void stop();
+  /// After stop.
+  LinkRecord record(LinkEnd end) const;
 
  private:
   void describe();
+  void offer(ProtocolEndpointBase* endpoint) { receiver_.registerService(endpoint); }
   void offerVideo();
+  void offerSound();
+  void offerMicrophone();
+  void offerInput();
+  void offerSensors();
 
   const Equipment& equipment_;
   LinkJournal journal_;
@@ -60,6 +62,16 @@ class Link {
   TcpTransport transport_;
   std::unique_ptr<VideoPipeline> video_;
   std::unique_ptr<VideoSink> videoSink_;
+  std::vector<std::unique_ptr<SoundService>> sounds_;
+  std::unique_ptr<AudioSource> audioSource_;
+  std::unique_ptr<MicrophoneFeed> microphone_;
+  std::unique_ptr<InputSource> input_;
+  ControlTotals controlTotals_;
+  std::unique_ptr<SensorSource> sensors_;
+  std::unique_ptr<DrivePlayer> drive_;
+  std::unique_ptr<TouchPlayer> touches_;
+  PacedThread players_;
+  microseconds duration_{0};
   bool running_ = false;
   bool finished_ = false;
 };

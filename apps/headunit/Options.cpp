@@ -1,55 +1,108 @@
 #include "headunit/Options.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 
 namespace headunit {
 namespace {
 
-CLI::Validator addressValidator() {
+/// What the command line holds as text until it has been checked as a whole.
+struct Texts {
+  std::string listen;
+  std::string connect;
+  std::string touches;
+  std::string margins = "0x0";
+};
+
+CLI::Validator check(bool (*isRight)(const std::string&), const std::string& wanted) {
   return CLI::Validator(
-      [](const std::string& text) {
-        return parseAddress(text) ? std::string() : "'" + text + "' is no HOST:PORT such as 127.0.0.1:7411";
+      [isRight, wanted](const std::string& text) {
+        return isRight(text) ? "" : "'" + text + "' is no " + wanted;
       },
-      "HOST:PORT");
+      "");
+}
+
+std::optional<Size> parseSize(const std::string& text) {
+  const std::size_t cross = text.find('x');
+  if (cross == std::string::npos) return {};
+  Size size;
+  const char* const end = text.data() + text.size();
+  const auto width = std::from_chars(text.data(), text.data() + cross, size.width);
+  const auto height = std::from_chars(text.data() + cross + 1, end, size.height);
+  const bool whole = width.ptr == text.data() + cross && height.ptr == end && width.ec == std::errc() &&
+                     height.ec == std::errc();
+  if (!whole || size.width < 0 || size.height < 0) return {};
+  return size;
+}
+
+void addPeer(CLI::App* app, Options* options, Texts* texts) {
+  const auto address = check([](const std::string& text) { return parseAddress(text).has_value(); },
+                             "HOST:PORT such as 127.0.0.1:7411");
+  auto* const listen =
+      app->add_option("--listen", texts->listen, "Wait for a phone here; port 0 takes any free one");
+  listen->check(address)->type_name("HOST:PORT")->capture_default_str();
+  auto* const connect = app->add_option("--connect", texts->connect,
+                                        "Connect to a phone that listens, instead of waiting for one");
+  connect->check(address)->type_name("HOST:PORT")->excludes(listen);
+  app->add_option("--credentials", options->credentials,
+                  "Folder with root.pem, headunit.pem and headunit.key")
+      ->required()
+      ->type_name("DIR");
+  app->add_flag("--once", options->once, "Exit when the link ends, instead of waiting for the next phone");
+}
+
+void addCar(CLI::App* app, Options* options, Texts* texts) {
+  app->add_flag("--headless", options->headless,
+                "No window; no sound device either, unless SDL_AUDIODRIVER names one");
+  app->add_option("--margins", texts->margins, "Pixels of each picture's size that the screen does not show")
+      ->check(check([](const std::string& text) { return parseSize(text).has_value(); }, "WIDTHxHEIGHT"))
+      ->type_name("WxH")
+      ->capture_default_str();
+  app->add_option("--audio-out", options->audioOut, "Write the sound to this file instead of playing it")
+      ->type_name("FILE.wav");
+  app->add_option("--microphone", options->microphone, "Say what is in this file instead of listening")
+      ->type_name("FILE.wav");
+  app->add_option("--drive", options->drive, "Vehicle data to report; a short drive is built in")
+      ->type_name("FILE.json");
+  app->add_option("--touch", texts->touches, "Tap this place of the picture again and again")
+      ->check(
+          check([](const std::string& text) { return parseTouchScript(text).has_value(); }, "X,Y,EVERY_MS"))
+      ->type_name("X,Y,EVERY_MS");
+}
+
+void addResults(CLI::App* app, Options* options) {
+  app->add_option("--snapshot", options->snapshot, "Write the last picture shown to this file")
+      ->type_name("FILE.png");
+  app->add_option("--exit-after-frames", options->exitAfterFrames,
+                  "Say good-bye and exit after this many pictures")
+      ->check(CLI::PositiveNumber.description(""))
+      ->type_name("N");
+  app->add_option("--stats", options->stats, "Write frames, bytes and latencies to this file")
+      ->type_name("FILE.json");
+  app->add_flag("--verbose", options->verbose, "Log in detail, the library's lines included");
 }
 
 }  // namespace
 
-std::optional<Options> parseOptions(int argc, char** argv, int* exitStatus) {
+std::optional<Options> parseOptions(int argc, const char* const* argv, int* exitStatus) {
   Options options;
-  std::string listen = options.listen.words();
-  std::string connect;
-  CLI::App app("Example head unit: shows a phone's projected screen.", "vantry-headunit");
+  Texts texts;
+  texts.listen = options.listen.words();
+  CLI::App app("Example head unit: shows a phone's projected screen, and is its car.", "vantry-headunit");
   app.footer("Exit status: 0 after a clean end, 1 for wrong usage, 2 for a link that failed.");
-  auto* const listening =
-      app.add_option("--listen", listen, "Wait for a phone here; port 0 takes any free one")
-          ->check(addressValidator())
-          ->capture_default_str();
-  app.add_option("--connect", connect, "Connect to a phone that listens, instead of waiting for one")
-      ->check(addressValidator())
-      ->excludes(listening);
-  app.add_option("--credentials", options.credentials, "Folder with root.pem, headunit.pem and headunit.key")
-      ->required()
-      ->type_name("DIR");
-  app.add_flag("--headless", options.headless, "Decode without a window; needs no display");
-  app.add_option("--snapshot", options.snapshot, "Write the last picture shown to this file")
-      ->type_name("FILE.png");
-  app.add_option("--exit-after-frames", options.exitAfterFrames,
-                 "Say good-bye and exit after this many pictures")
-      ->check(CLI::PositiveNumber)
-      ->type_name("N");
-  app.add_option("--stats", options.stats, "Write frames, bytes and latencies to this file")
-      ->type_name("FILE.json");
-  app.add_flag("--once", options.once, "Exit when the link ends, instead of waiting for the next phone");
-  app.add_flag("--verbose", options.verbose, "Log in detail, the library's lines included");
+  addPeer(&app, &options, &texts);
+  addCar(&app, &options, &texts);
+  addResults(&app, &options);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     *exitStatus = app.exit(error) == 0 ? 0 : 1;
     return {};
   }
-  options.listen = *parseAddress(listen);
-  if (!connect.empty()) options.connect = parseAddress(connect);
+  options.listen = *parseAddress(texts.listen);
+  if (!texts.connect.empty()) options.connect = parseAddress(texts.connect);
+  if (!texts.touches.empty()) options.touches = parseTouchScript(texts.touches);
+  options.margins = *parseSize(texts.margins);
   return options;
 }
 

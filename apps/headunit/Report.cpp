@@ -48,6 +48,31 @@ Json videoFigures(const LinkStats& stats) {
           {"mbit_per_s", ran ? Json(static_cast<double>(totals.bytes) * 8 / 1e6 / streamed) : Json(nullptr)}};
 }
 
+Json soundFigures(const LinkRecord& record) {
+  Json figures;
+  std::uint64_t underruns = 0;
+  for (const auto& [name, totals] : record.sounds) underruns += totals.underruns;
+  figures["underruns"] = underruns;
+  for (const auto& [name, totals] : record.sounds) {
+    figures[name] = {{"blocks", totals.blocks},
+                     {"bytes", totals.bytes},
+                     {"underruns", totals.underruns},
+                     {"refused", totals.refused},
+                     {"waited_p50_us", totals.waitedP50.count()},
+                     {"waited_p99_us", totals.waitedP99.count()}};
+  }
+  return figures;
+}
+
+Json microphoneFigures(const MicrophoneTotals& totals) {
+  return {
+      {"blocks", totals.blocks}, {"held_back", totals.heldBack}, {"most_unacknowledged", totals.mostUnacked}};
+}
+
+Json controlFigures(const ControlTotals& totals) {
+  return {{"touches", totals.touches}, {"keys", totals.keys}, {"turns", totals.turns}};
+}
+
 Json latencyFigures(const VideoLatencies& latencies) {
   return {{"socket_to_received", spread(latencies.socketToReceived)},
           {"received_to_dequeued", spread(latencies.receivedToDequeued)},
@@ -63,6 +88,10 @@ std::string toJson(const LinkRecord& record) {
   figures["link"] = linkFigures(record);
   figures["video"] = videoFigures(*record.stats);
   figures["latency_us"] = latencyFigures(record.stats->latencies());
+  figures["sound"] = soundFigures(record);
+  figures["microphone"] = microphoneFigures(record.microphone);
+  figures["input"] = controlFigures(record.controls);
+  figures["sensors"] = {{"reports", record.sensorReports}};
   figures["end"] = {{"clean", record.end.clean}, {"words", record.end.words()}};
   // The words may hold what a phone made up; that must not make the file unwritable.
   return figures.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -2,9 +2,14 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "headunit/AudioStream.h"
+#include "headunit/Controls.h"
 #include "headunit/LinkEnd.h"
 #include "headunit/LinkStats.h"
+#include "headunit/MicrophoneFeed.h"
 
 namespace headunit {
 
@@ -15,6 +20,10 @@ struct LinkRecord {
   std::uint64_t bytesRead = 0;
   std::uint64_t bytesWritten = 0;
   microseconds duration{0};
+  std::vector<std::pair<std::string, AudioTotals>> sounds;  ///< by name of the stream
+  MicrophoneTotals microphone;
+  ControlTotals controls;
+  std::uint64_t sensorReports = 0;
 };
 
 /// As it goes into the statistics file: JSON with one value or one brace a line, each duration and rate with

@@ -95,19 +95,15 @@ FileDescriptor Server::connectToPhone() {
 void Server::serve(FileDescriptor socket) {
   equipment_.libraryLines->clear();
   Link link(equipment_, std::move(socket), &wake_);
-  LinkRecord record;
   std::string error;
+  LinkEnd end{false, "head unit", {}, "check the files that --credentials names"};
   if (link.start(&error)) {
-    record.end = watchOver(&link);
+    end = watchOver(&link);
   } else {
-    record.end = {false, "head unit", error, "check the files that --credentials names"};
+    end.what = error;
   }
-  record.duration = between(link.stats()->started(), Clock::now());
   link.stop();
-  record.stats = link.stats();
-  record.bytesRead = link.bytesRead();
-  record.bytesWritten = link.bytesWritten();
-  settle(std::move(record));
+  settle(link.record(std::move(end)));
 }
 
 LinkEnd Server::watchOver(Link* link) {
@@ -120,7 +116,7 @@ LinkEnd Server::watchOver(Link* link) {
     const LinkWatch::Verdict verdict = watch.look(link->view(), Clock::now());
     if (verdict.end) return *verdict.end;
     if (verdict.ping) link->ping();
-    progress_.update(*link->stats(), Clock::now());
+    progress_.update(link->stats(), Clock::now());
     waitUntil(progress_.isShown() ? std::min(verdict.lookAgain, progress_.due()) : verdict.lookAgain);
   }
 }

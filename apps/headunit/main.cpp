@@ -11,6 +11,7 @@
 #include "headunit/media/FfmpegDecoder.h"
 #include "headunit/media/Png.h"
 #include "headunit/media/Window.h"
+#include "headunit/program/Car.h"
 #include "headunit/program/HostLog.h"
 
 namespace headunit {
@@ -39,50 +40,40 @@ bool writeSnapshot(const Options& options, const Screen& screen) {
   return false;
 }
 
-int runWith(const Options& options, Server* server, Screen* screen, PictureSlot* slot) {
+int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
   server->afterLink([&] { writeSnapshot(options, *screen); });
   int status = 0;
   std::thread serving([&] {
     status = server->run();
-    slot->close();
+    car->slot()->close();
   });
   screen->run();
   serving.join();
+  car->finish();
   const bool written = server->writeStatistics() & writeSnapshot(options, *screen);
   return status == 0 && !written ? WRONG_USAGE : status;
 }
 
 int run(const Options& options) {
-  Equipment equipment;
+  const FileDescriptor signals = signalsToEndBy();
   std::string error;
-  const std::optional<Credentials> credentials = loadCredentials(options.credentials, &error);
-  if (!credentials) {
-    spdlog::error("The credentials cannot be used: {}.", error);
+  Car car(options);
+  if (!car.equip(&error)) {
+    spdlog::error("{}.", error);
     return WRONG_USAGE;
   }
-  if (const std::string doubts = doubtsAbout(*credentials); !doubts.empty()) {
-    spdlog::warn("The phone may refuse this head unit: {}.", doubts);
-  }
-  PictureSlot slot;
-  FrameBudget budget(options.exitAfterFrames);
-  equipment.credentials = *credentials;
-  equipment.makeDecoder = [] { return std::make_unique<FfmpegDecoder>(); };
-  equipment.slot = &slot;
-  equipment.budget = &budget;
-  equipment.libraryLines = &libraryLines();
-  const FileDescriptor signals = signalsToEndBy();
-  Server server(options, equipment, signals.get());
+  Server server(options, car.equipment(), signals.get());
   if (options.headless) {
-    HeadlessScreen screen(&slot);
-    return runWith(options, &server, &screen, &slot);
+    HeadlessScreen screen(car.slot());
+    return runWith(options, &server, &screen, &car);
   }
-  Window window(&slot, [&server] { server.quit(); });
+  Window window(car.slot(), options.margins, car.controls(), [&server] { server.quit(); });
   if (!window.open(&error)) {
     spdlog::error("Cannot open a window: {}; without a display, use --headless.", error);
     return WRONG_USAGE;
   }
-  slot.whenChanged([&window] { window.wake(); });
-  return runWith(options, &server, &window, &slot);
+  car.slot()->whenChanged([&window] { window.wake(); });
+  return runWith(options, &server, &window, &car);
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
 #include "headunit/media/Window.h"
 
 #include <SDL.h>
-
-#include "headunit/Layout.h"
-
 namespace headunit {
 namespace {
 
@@ -16,6 +13,15 @@ bool isVisible() {
   const char* const driver = SDL_GetCurrentVideoDriver();
   return driver == nullptr || SDL_GetHint(SDL_HINT_VIDEODRIVER) != nullptr ||
          SDL_strcmp(driver, "offscreen") != 0;
+}
+
+SDL_Rect rectOf(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
+
+int millisecondsUntil(TimePoint time) {
+  constexpr milliseconds LONGEST(1000);
+  const TimePoint now = Clock::now();
+  if (time >= now + LONGEST) return static_cast<int>(LONGEST.count());
+  return time <= now ? 0 : static_cast<int>(std::chrono::ceil<milliseconds>(time - now).count());
 }
 
 Size firstSize() {
@@ -60,18 +66,27 @@ void Window::wake() {
 }
 
 void Window::run() {
-  draw();
   SDL_Event event;
-  while (!slot_->isClosed() && SDL_WaitEvent(&event) == 1) {
-    bool redraw = false;
-    do {
-      if (event.type == SDL_QUIT) closed_();
-      redraw = redraw || event.type == SDL_WINDOWEVENT;
-    } while (SDL_PollEvent(&event) == 1);
+  while (!slot_->isClosed()) {
+    if (SDL_WaitEventTimeout(&event, millisecondsUntil(input_.nextTick())) == 1) {
+      do handle(event);
+      while (SDL_PollEvent(&event) == 1);
+    }
+    input_.tick(Clock::now());
     takePicture();
-    if (redraw) draw();
+    if (redraw_) draw();
   }
   takePicture();
+}
+
+void Window::handle(const SDL_Event& event) {
+  if (event.type == SDL_QUIT) closed_();
+  redraw_ = redraw_ || event.type == SDL_WINDOWEVENT;
+  int width = 0;
+  Size output;
+  SDL_GetWindowSize(window_, &width, nullptr);
+  SDL_GetRendererOutputSize(renderer_, &output.width, &output.height);
+  input_.handle(event, view(), width > 0 ? static_cast<float>(output.width) / static_cast<float>(width) : 1);
 }
 
 void Window::takePicture() {
@@ -88,24 +103,30 @@ bool Window::fitTexture(const Picture& picture) {
   SDL_SetYUVConversionMode(picture.fullRange ? SDL_YUV_CONVERSION_JPEG
                            : picture.bt709   ? SDL_YUV_CONVERSION_BT709
                                              : SDL_YUV_CONVERSION_BT601);
-  if (texture_ != nullptr && picture.width == width_ && picture.height == height_) return true;
+  if (texture_ != nullptr && picture.width == picture_.width && picture.height == picture_.height)
+    return true;
   if (texture_ != nullptr) SDL_DestroyTexture(texture_);
   texture_ = SDL_CreateTexture(renderer_, SDL_PIXELFORMAT_IYUV, SDL_TEXTUREACCESS_STREAMING, picture.width,
                                picture.height);
-  width_ = picture.width;
-  height_ = picture.height;
+  picture_ = {picture.width, picture.height};
   return texture_ != nullptr;
 }
 
+PictureView Window::view() const {
+  Size output;
+  SDL_GetRendererOutputSize(renderer_, &output.width, &output.height);
+  return {picture_, margins_, output};
+}
+
 void Window::draw() {
+  redraw_ = false;
   SDL_SetRenderDrawColor(renderer_, 0, 0, 0, 255);
   SDL_RenderClear(renderer_);
   if (texture_ != nullptr) {
-    Size output;
-    SDL_GetRendererOutputSize(renderer_, &output.width, &output.height);
-    const Rect area = fitted({width_, height_}, output);
-    const SDL_Rect target{area.x, area.y, area.width, area.height};
-    SDL_RenderCopy(renderer_, texture_, nullptr, &target);
+    const PictureView shown = view();
+    const SDL_Rect source = rectOf(shown.shown());
+    const SDL_Rect target = rectOf(shown.area());
+    SDL_RenderCopy(renderer_, texture_, &source, &target);
   }
   SDL_RenderPresent(renderer_);
 }

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+
+#include "headunit/Controls.h"
+#include "headunit/Credentials.h"
+#include "headunit/DriveScript.h"
+#include "headunit/Microphone.h"
+#include "headunit/Mixer.h"
+#include "headunit/RecentLines.h"
+#include "headunit/TouchScript.h"
+#include "headunit/VideoPipeline.h"
+
+namespace headunit {
+
+/// What every link of the program shares: the car, so to speak. All that is pointed at outlives the links.
+struct Equipment {
+  Credentials credentials;
+  std::function<std::unique_ptr<VideoDecoder>()> makeDecoder;
+  PictureSlot* slot = nullptr;
+  FrameBudget* budget = nullptr;
+  Size margins;  ///< what the screen does not show of each picture
+  Mixer* mixer = nullptr;
+  Microphone* microphone = nullptr;  ///< null: there is none
+  Controls* controls = nullptr;
+  std::set<int> keyCodes;  ///< that the controls can report
+  const DriveScript* drive = nullptr;
+  std::optional<TouchScript> touches;
+  RecentLines* libraryLines = nullptr;
+};
+
+}  // namespace headunit

@@ -1,0 +1,166 @@
+#include "headunit/media/SdlSound.h"
+
+#include <SDL.h>
+#include <spdlog/spdlog.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace headunit {
+namespace {
+
+constexpr Uint16 DEVICE_FRAMES = 512;  // about 11 ms
+
+SDL_AudioSpec formatOf(unsigned int rate, unsigned int channels, unsigned int frames) {
+  SDL_AudioSpec spec{};
+  spec.freq = static_cast<int>(rate);
+  spec.format = AUDIO_S16SYS;
+  spec.channels = static_cast<Uint8>(channels);
+  spec.samples = static_cast<Uint16>(frames);
+  return spec;
+}
+
+bool startAudio(std::string* error) {
+  SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  if (SDL_InitSubSystem(SDL_INIT_AUDIO) == 0) return true;
+  *error = SDL_GetError();
+  return false;
+}
+
+/// The device asks for sound when it needs it; one that has gone is never heard of again.
+class SdlOutput : public SoundOutput {
+ public:
+  explicit SdlOutput(Mixer* mixer) : mixer_(mixer) {}
+  ~SdlOutput() override {
+    if (device_ != 0) SDL_CloseAudioDevice(device_);
+    SDL_QuitSubSystem(SDL_INIT_AUDIO);
+  }
+
+  bool open(std::string* error) {
+    SDL_AudioSpec spec = formatOf(MIX_RATE, MIX_CHANNELS, DEVICE_FRAMES);
+    spec.callback = play;
+    spec.userdata = mixer_;
+    device_ = SDL_OpenAudioDevice(nullptr, 0, &spec, nullptr, 0);
+    if (device_ == 0) *error = SDL_GetError();
+    if (device_ != 0) SDL_PauseAudioDevice(device_, 0);
+    return device_ != 0;
+  }
+
+  void finish(milliseconds limit) override {
+    waitForQuiet(*mixer_, limit);
+    SDL_PauseAudioDevice(device_, 1);
+  }
+
+ private:
+  static void play(void* mixer, Uint8* out, int length) {
+    static_cast<Mixer*>(mixer)->mix(reinterpret_cast<std::int16_t*>(out),
+                                    static_cast<std::size_t>(length) / 4);
+  }
+
+  Mixer* const mixer_;
+  SDL_AudioDeviceID device_ = 0;
+};
+
+/// Opening and closing a device take their time, so a thread of its own does both: the link must not stand
+/// still meanwhile.
+class SdlMicrophone : public Microphone {
+ public:
+  ~SdlMicrophone() override {
+    close();
+    if (listening_.joinable()) listening_.join();
+    SDL_QuitSubSystem(SDL_INIT_AUDIO);
+  }
+
+  bool open(Take take) override {
+    close();
+    if (listening_.joinable()) listening_.join();
+    take_ = std::move(take);
+    listening_ = std::thread([this] { listen(); });
+    return true;
+  }
+
+  void close() override {
+    {
+      const std::lock_guard lock(mutex_);
+      take_ = nullptr;
+    }
+    closed_.notify_all();
+  }
+
+ private:
+  void listen() {
+    SDL_AudioSpec spec = formatOf(MICROPHONE_RATE, 1, MICROPHONE_BLOCK);
+    spec.callback = hear;
+    spec.userdata = this;
+    const SDL_AudioDeviceID device = SDL_OpenAudioDevice(nullptr, 1, &spec, nullptr, 0);
+    if (device == 0) {
+      spdlog::warn("The microphone cannot be opened: {}.", SDL_GetError());
+      return;
+    }
+    SDL_PauseAudioDevice(device, 0);
+    {
+      std::unique_lock lock(mutex_);
+      closed_.wait(lock, [this] { return take_ == nullptr; });
+    }
+    SDL_CloseAudioDevice(device);
+  }
+
+  // Sound that cannot be sent now is lost: it would only come late.
+  static void hear(void* self, Uint8* samples, int length) {
+    auto* const microphone = static_cast<SdlMicrophone*>(self);
+    if (length != static_cast<int>(2 * MICROPHONE_BLOCK)) return;
+    const std::lock_guard lock(microphone->mutex_);
+    if (microphone->take_) microphone->take_(reinterpret_cast<const std::int16_t*>(samples));
+  }
+
+  std::mutex mutex_;
+  std::condition_variable closed_;
+  Take take_;
+  std::thread listening_;
+};
+
+}  // namespace
+
+std::unique_ptr<SoundOutput> openSoundDevice(Mixer* mixer, std::string* error) {
+  if (!startAudio(error)) return nullptr;
+  auto output = std::make_unique<SdlOutput>(mixer);
+  if (!output->open(error)) return nullptr;
+  return output;
+}
+
+std::unique_ptr<Microphone> findMicrophone(std::string* error) {
+  if (!startAudio(error)) return nullptr;
+  auto microphone = std::make_unique<SdlMicrophone>();
+  if (SDL_GetNumAudioDevices(1) != 0) return microphone;
+  *error = "there is no device to record with";
+  return nullptr;
+}
+
+std::optional<std::vector<std::int16_t>> readForMicrophone(const std::string& path, std::string* error) {
+  SDL_AudioSpec found;
+  Uint8* bytes = nullptr;
+  Uint32 length = 0;
+  if (SDL_LoadWAV(path.c_str(), &found, &bytes, &length) == nullptr) {
+    *error = path + ": " + SDL_GetError();
+    return {};
+  }
+  SDL_AudioStream* const stream = SDL_NewAudioStream(found.format, found.channels, found.freq, AUDIO_S16SYS,
+                                                     1, static_cast<int>(MICROPHONE_RATE));
+  std::vector<std::int16_t> samples;
+  const bool converted = stream != nullptr &&
+                         SDL_AudioStreamPut(stream, bytes, static_cast<int>(length)) == 0 &&
+                         SDL_AudioStreamFlush(stream) == 0;
+  SDL_FreeWAV(bytes);
+  if (converted) {
+    samples.resize(static_cast<std::size_t>(SDL_AudioStreamAvailable(stream)) / sizeof(std::int16_t));
+    SDL_AudioStreamGet(stream, samples.data(), static_cast<int>(samples.size() * sizeof(std::int16_t)));
+  } else {
+    *error = path + ": " + SDL_GetError();
+  }
+  if (stream != nullptr) SDL_FreeAudioStream(stream);
+  if (!converted) return {};
+  return samples;
+}
+
+}  // namespace headunit

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+
+#include "headunit/Equipment.h"
+#include "headunit/Options.h"
+#include "headunit/PacedThread.h"
+#include "headunit/SoundOutput.h"
+
+namespace headunit {
+
+/// All that the program brings along for its links, as the command line wants it.
+class Car {
+ public:
+  explicit Car(const Options& options) : options_(options), budget_(options.exitAfterFrames) {}
+  ~Car() { finish(); }
+
+  /// Returns false, with a sentence in `*error`, if something that the user named cannot be used.
+  bool equip(std::string* error);
+
+  const Equipment& equipment() const { return equipment_; }
+  PictureSlot* slot() { return &slot_; }
+  Controls* controls() { return &controls_; }
+
+  /// Plays out the sound and closes its file.
+  void finish();
+
+ private:
+  bool openSound(std::string* error);
+  bool openMicrophone(std::string* error);
+  bool loadDriveData(std::string* error);
+  bool usesDevices() const;
+
+  const Options& options_;
+  PictureSlot slot_;
+  FrameBudget budget_;
+  Mixer mixer_;
+  Controls controls_;
+  DriveScript drive_;
+  std::unique_ptr<SoundOutput> sound_;
+  std::unique_ptr<Microphone> microphone_;
+  PacedThread microphoneThread_;
+  Equipment equipment_;
+};
+
+}  // namespace headunit

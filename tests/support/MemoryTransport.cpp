@@ -1,0 +1,93 @@
+#include "MemoryTransport.h"
+
+#include <algorithm>
+
+namespace test {
+namespace {
+
+constexpr int FATAL = -1;
+
+}  // namespace
+
+MemoryTransport::~MemoryTransport() {
+  requestStop();
+  waitForExit();
+}
+
+void MemoryTransport::gives(const Bytes& data) {
+  const std::lock_guard<std::mutex> guard(lock);
+  incoming.insert(incoming.end(), data.begin(), data.end());
+  changed.notify_all();
+}
+
+void MemoryTransport::ends() {
+  const std::lock_guard<std::mutex> guard(lock);
+  ended = true;
+  changed.notify_all();
+}
+
+Bytes MemoryTransport::waitsForBytes() {
+  std::unique_lock<std::mutex> guard(lock);
+  changed.wait(guard, [this] { return !outgoing.empty() || abortCount > 0; });
+  Bytes result;
+  result.swap(outgoing);
+  return result;
+}
+
+Bytes MemoryTransport::takesBytes() {
+  const std::lock_guard<std::mutex> guard(lock);
+  Bytes result;
+  result.swap(outgoing);
+  return result;
+}
+
+void MemoryTransport::waitsForAbort() {
+  std::unique_lock<std::mutex> guard(lock);
+  changed.wait(guard, [this] { return abortCount > 0; });
+}
+
+void MemoryTransport::abortTransfers() {
+  const std::lock_guard<std::mutex> guard(lock);
+  ++abortCount;
+  changed.notify_all();
+}
+
+int MemoryTransport::read(void* data, unsigned int length) {
+  const std::size_t most = readCut ? std::min<std::size_t>(length, readCut()) : length;
+  std::unique_lock<std::mutex> guard(lock);
+  if (++readCount == failingRead) return FATAL;
+  changed.wait(guard, [this] { return !incoming.empty() || ended || abortCount > 0; });
+  if (abortCount > 0 || incoming.empty()) return FATAL;
+  const std::size_t count = std::min(most, incoming.size());
+  const auto end = incoming.begin() + static_cast<std::ptrdiff_t>(count);
+  std::copy(incoming.begin(), end, static_cast<std::uint8_t*>(data));
+  incoming.erase(incoming.begin(), end);
+  return static_cast<int>(count);
+}
+
+int MemoryTransport::write(void* data, unsigned int length) {
+  const std::size_t count = writeCut ? std::min<std::size_t>(length, writeCut()) : length;
+  const std::lock_guard<std::mutex> guard(lock);
+  if (++writeCount == failingWrite || abortCount > 0) return FATAL;
+  const auto* const from = static_cast<const std::uint8_t*>(data);
+  outgoing.insert(outgoing.end(), from, from + count);
+  changed.notify_all();
+  return static_cast<int>(count);
+}
+
+int MemoryTransport::reads() const {
+  const std::lock_guard<std::mutex> guard(lock);
+  return readCount;
+}
+
+int MemoryTransport::writes() const {
+  const std::lock_guard<std::mutex> guard(lock);
+  return writeCount;
+}
+
+int MemoryTransport::aborts() const {
+  const std::lock_guard<std::mutex> guard(lock);
+  return abortCount;
+}
+
+}  // namespace test

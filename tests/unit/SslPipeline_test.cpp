@@ -1,0 +1,241 @@
+#include <gmock/gmock.h>
+#include <openssl/err.h>
+
+#include "EndpointTest.h"
+#include "SecureLink.h"
+
+// Ciphertext in and out of a wrapper that is connected, and what the pipelines do with what is not as it
+// should be.
+
+namespace test {
+namespace {
+
+using testing::MatchesRegex;
+
+struct SslPipelineTest : testing::Test {
+  LogCapture log;
+  SecureLink link;
+  SslWrapper& wrapper = link.controller().sslWrapper();
+
+  SslPipelineTest() {
+    link.bringUp();
+    log.clear();
+  }
+  int enqueues(Bytes ciphertext) {
+    return wrapper.decryptionPipelineEnqueue(ciphertext.data(), static_cast<unsigned int>(ciphertext.size()));
+  }
+  Bytes dequeues(unsigned int length) {
+    Bytes plain = filled(length, 0xCC);
+    result = wrapper.decryptionPipelineDequeue(plain.data(), length);
+    return part(plain, 0, result > 0 ? static_cast<std::size_t>(result) : 0);
+  }
+  int result = 0;
+};
+
+TEST_F(SslPipelineTest, EnciphersIntoRecordsThatThePhoneReads) {
+  Bytes plain = bytes("01 02 03");
+  const int size = wrapper.encryptionPipelineEnqueue(plain.data(), 3);
+  ASSERT_GT(size, 3);
+  Bytes records = filled(static_cast<std::size_t>(size), 0);
+  EXPECT_EQ(wrapper.encryptionPipelineDequeue(records.data(), static_cast<unsigned int>(size)), size);
+  EXPECT_EQ(link.decrypted(records), plain);
+  EXPECT_THAT(log.all(), IsEmpty());
+}
+
+TEST_F(SslPipelineTest, TellsAllTheBytesThatWait) {
+  Bytes plain = bytes("01 02 03");
+  const int once = wrapper.encryptionPipelineEnqueue(plain.data(), 3);
+  EXPECT_EQ(wrapper.encryptionPipelineEnqueue(plain.data(), 3), 2 * once);
+}
+
+TEST_F(SslPipelineTest, AFullFragmentFitsIntoOneRecord) {
+  Bytes plain = pattern(FRAGMENT);
+  const int size = wrapper.encryptionPipelineEnqueue(plain.data(), FRAGMENT);
+  Bytes records = filled(static_cast<std::size_t>(size), 0);
+  wrapper.encryptionPipelineDequeue(records.data(), static_cast<unsigned int>(size));
+  EXPECT_EQ(part(records, 3, 2), bigEndian16(static_cast<std::uint16_t>(size - 5)));
+}
+
+TEST_F(SslPipelineTest, EncipheringNothingFailsWithALine) {
+  unsigned char nothing = 0;
+  EXPECT_LT(wrapper.encryptionPipelineEnqueue(&nothing, 0), 1);
+  EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Failed to write data to mSsl!"));
+}
+
+TEST_F(SslPipelineTest, FetchingCiphertextThatIsNotThereFailsWithALine) {
+  unsigned char byte = 0;
+  EXPECT_LT(wrapper.encryptionPipelineDequeue(&byte, 1), 0);
+  EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Failed to read from encryption pipeline."));
+}
+
+TEST_F(SslPipelineTest, DeciphersWhatThePhoneSends) {
+  const Bytes records = link.encrypted(bytes("01 02 03"));
+  EXPECT_EQ(enqueues(records), static_cast<int>(records.size())) << "an upper limit";
+  EXPECT_EQ(dequeues(100), bytes("01 02 03"));
+  EXPECT_EQ(wrapper.decryptionPipelinePending(), 0);
+  EXPECT_THAT(log.all(), IsEmpty());
+}
+
+TEST_F(SslPipelineTest, APlaintextCanBeFetchedInPieces) {
+  enqueues(link.encrypted(bytes("01 02 03")));
+  EXPECT_EQ(dequeues(1), bytes("01"));
+  EXPECT_EQ(wrapper.decryptionPipelinePending(), 2);
+  EXPECT_EQ(dequeues(10), bytes("02 03"));
+}
+
+TEST_F(SslPipelineTest, TakingNoCiphertextFailsWithALine) {
+  EXPECT_LT(enqueues({}), 1);
+  EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Failed to write data to the read bio!"));
+}
+
+TEST_F(SslPipelineTest, WhatAnEarlierFrameLeftOverIsThrownAway) {
+  const Bytes records = link.encrypted(bytes("01 02 03"));
+  enqueues(part(records, 0, 10));
+  EXPECT_GT(enqueues(records), 0);
+  EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Throwing away 10 bytes"));
+  EXPECT_EQ(dequeues(100), bytes("01 02 03")) << "it starts clean";
+}
+
+TEST_F(SslPipelineTest, PartOfARecordWantsMore) {
+  const Bytes records = link.encrypted(bytes("01 02 03"));
+  enqueues(part(records, 0, records.size() - 1));
+  dequeues(100);
+  EXPECT_LT(result, 0);
+  EXPECT_THAT(log.all(),
+              ElementsAre(MatchesRegex("critical \\[LHU\\] Detailed error=.* file=.* line=.* sslError=2")));
+}
+
+TEST_F(SslPipelineTest, ADamagedRecordFailsWithTheReasonOfOpenSsl) {
+  Bytes records = link.encrypted(bytes("01 02 03"));
+  records.back() ^= 1;
+  enqueues(records);
+  dequeues(100);
+  EXPECT_LT(result, 0);
+  EXPECT_THAT(log.all(),
+              ElementsAre(MatchesRegex("critical \\[LHU\\] Detailed error=error:[0-9A-F]+:.+ file=.+\\.c "
+                                       "line=[1-9][0-9]* sslError=1")));
+}
+
+TEST_F(SslPipelineTest, AStaleErrorOfTheHostDoesNotShowAsTheReason) {
+  const Bytes records = link.encrypted(bytes("01 02 03"));
+  enqueues(part(records, 0, records.size() - 1));
+  ERR_raise(ERR_LIB_USER, 1);
+  dequeues(100);
+  EXPECT_THAT(log.critical(),
+              ElementsAre(MatchesRegex("\\[LHU\\] Detailed error=error:00000000:.* sslError=2")));
+}
+
+/// Frames whose payload is TLS.
+struct FrameEncryptionTest : SslPipelineTest {
+  MockControllerCallbacks& host = link.host();
+};
+
+TEST_F(FrameEncryptionTest, AnEncryptedFrameIsDecipheredInItsOwnBuffer) {
+  EXPECT_CALL(host, pingResponse(300));
+  EXPECT_EQ(link.sendsEncrypted(0, bytes("00 0C 08 AC 02")), STATUS_SUCCESS);
+  const Bytes wire = frame(0, ATOMIC | ENCRYPTED, link.encrypted(bytes("00 0C 08 01")));
+  const shared_ptr<IoBuffer> buffer = link.receiver().allocateBuffer(static_cast<unsigned int>(wire.size()));
+  std::copy(wire.begin(), wire.end(), buffer->data);
+  EXPECT_CALL(host, pingResponse(1)).WillOnce([&] {
+    EXPECT_EQ(Bytes(buffer->data + 4, 4), bytes("00 0C 08 01"));
+    EXPECT_EQ(buffer->size(), 4U);
+  });
+  link.receiver().queueIncoming(buffer);
+}
+
+TEST_F(FrameEncryptionTest, SeveralRecordsInOneFrameAreOnePayload) {
+  EXPECT_CALL(host, pingResponse(300));
+  const Bytes first = link.encrypted(bytes("00 0C"));
+  const Bytes second = link.encrypted(bytes("08 AC 02"));
+  EXPECT_EQ(link.feeds(frame(0, ATOMIC | ENCRYPTED, first + second)), STATUS_SUCCESS);
+}
+
+TEST_F(FrameEncryptionTest, AFrameWithoutTheFlagIsTakenAsPlainAtAnyTime) {
+  EXPECT_CALL(host, pingResponse(1));
+  EXPECT_EQ(link.feeds(frame(0, ATOMIC, bytes("00 0C 08 01"))), STATUS_SUCCESS);
+}
+
+TEST_F(FrameEncryptionTest, ADamagedRecordIsAFramingError) {
+  EXPECT_CALL(host, unrecoverableError());
+  Bytes records = link.encrypted(bytes("00 0C 08 01"));
+  records.back() ^= 1;
+  EXPECT_EQ(link.feeds(frame(0, ATOMIC | ENCRYPTED, records)), STATUS_FRAMING_ERROR);
+  EXPECT_THAT(log.critical(), ElementsAre(testing::EndsWith("sslError=1"),
+                                          "[LHU] Failed to dequeue from decryption pipeline!",
+                                          "[LHU] Sending Framing Error notification!"));
+}
+
+TEST_F(FrameEncryptionTest, PartOfARecordIsAFramingError) {
+  EXPECT_CALL(host, unrecoverableError());
+  const Bytes records = link.encrypted(bytes("00 0C 08 01"));
+  EXPECT_EQ(link.feeds(frame(0, ATOMIC | ENCRYPTED, part(records, 0, 10))), STATUS_FRAMING_ERROR);
+  EXPECT_EQ(log.critical()[1], "[LHU] Failed to dequeue from decryption pipeline!");
+}
+
+TEST_F(FrameEncryptionTest, BytesBehindTheLastRecordAreAFramingErrorAndNothingIsDelivered) {
+  EXPECT_CALL(host, pingResponse).Times(0);
+  EXPECT_CALL(host, unrecoverableError());
+  const Bytes records = link.encrypted(bytes("00 0C 08 01")) + bytes("17 03 03");
+  EXPECT_EQ(link.feeds(frame(0, ATOMIC | ENCRYPTED, records)), STATUS_FRAMING_ERROR);
+}
+
+TEST_F(FrameEncryptionTest, AnEncryptedFrameWithoutAPayloadIsAFramingError) {
+  EXPECT_CALL(host, unrecoverableError());
+  EXPECT_EQ(link.feeds(frame(0, ATOMIC | ENCRYPTED, {})), STATUS_FRAMING_ERROR);
+  EXPECT_THAT(log.critical(), ElementsAre("[LHU] Failed to write data to the read bio!",
+                                          "[LHU] Failed to enqueue into decryption pipeline!",
+                                          "[LHU] Sending Framing Error notification!"));
+}
+
+TEST_F(FrameEncryptionTest, TheLengthOnTheWireIsOfTheCiphertextAndTheTotalLengthOfThePlainMessage) {
+  Bytes whole = pattern(FRAGMENT + 10);
+  link.router()->queueOutgoing(0, whole.data(), static_cast<unsigned int>(whole.size()));
+  const std::vector<Bytes> wire = link.sentFrames();
+  ASSERT_EQ(wire.size(), 2U);
+  EXPECT_EQ(parseFrame(wire[0]).totalLength, FRAGMENT + 10);
+  EXPECT_GT(parseFrame(wire[0]).payload.size(), FRAGMENT);
+  EXPECT_EQ(link.decrypted(parseFrame(wire[0]).payload), part(whole, 0, FRAGMENT));
+  EXPECT_EQ(link.decrypted(parseFrame(wire[1]).payload), part(whole, FRAGMENT));
+}
+
+TEST_F(FrameEncryptionTest, RecordsStandInTheOrderOfTheFramesOnTheWire) {
+  link.channels().registerChannel(1, 0);
+  Bytes first = bytes("80 01");
+  Bytes second = bytes("80 02");
+  link.router()->queueOutgoing(0, first.data(), 2);
+  link.router()->queueOutgoing(1, second.data(), 2);
+  std::vector<Bytes> plain;
+  for (const Bytes& wire : link.sentFrames()) plain.push_back(link.decrypted(parseFrame(wire).payload));
+  EXPECT_THAT(plain, ElementsAre(second, first)) << "channel 0 was served last before";
+}
+
+TEST_F(FrameEncryptionTest, AFrameQueuedBeforeTheHandshakeEndedIsEncryptedWhenItLeaves) {
+  SecureLink late;
+  late.acceptsVersion();
+  const Bytes flight = late.nextFlight();
+  late.controller().sendByeByeResponse();
+  late.sendsHandshake(flight);
+  // Its turn comes before that of the handshake message behind it.
+  EXPECT_EQ(late.sentFrames().at(0), bytes("00 0B 00 02 00 10"));
+}
+
+TEST_F(FrameEncryptionTest, AFailedEncipheringTellsTheHostAndLeavesTheFormerFrame) {
+  IoBuffer out;
+  link.controller().sendPingRequest(1, false);
+  EXPECT_TRUE(link.channels().extractEncodedFrame(&out));
+  const Bytes former(out.content(), out.size());
+
+  EXPECT_CALL(host, unrecoverableError());
+  Bytes damaged = link.encrypted(bytes("00"));
+  damaged.back() ^= 1;
+  enqueues(damaged);
+  dequeues(1);  // a fatal alert: from now on this connection enciphers nothing
+  link.controller().sendPingRequest(2, false);
+  EXPECT_TRUE(link.channels().extractEncodedFrame(&out)) << "all the same";
+  EXPECT_EQ(Bytes(out.content(), out.size()), former);
+  EXPECT_TRUE(link.channels().isRunning());
+  EXPECT_EQ(log.critical().back(), "[LHU] Failed to write data to mSsl!");
+}
+
+}  // namespace
+}  // namespace test

@@ -1,19 +1,17 @@
 #include <gmock/gmock.h>
 
-#include <limits>
-
 #include "LogCapture.h"
 #include "Message.h"
 #include "Wire.h"
 
-// What the schema promises on the wire, and how the library reads records: bytes by hand on the one side,
-// fields on the other. What each service makes of them stands in the tests of that service.
+// Single records as the library reads them: bytes by hand on the one side, fields on the other. The rules
+// that hold for all records stand in Schema_test.cpp, and what each service makes of them in the tests of
+// that service.
 
 namespace test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct RecordsTest : testing::Test {
   LogCapture log;
@@ -54,40 +52,6 @@ TEST_F(RecordsTest, AFailedParseLogsWhereItWasFound) {
               ElementsAre("debug [LHU] Failed to parse proto at " __FILE__ ":" + std::to_string(line)));
 }
 
-TEST_F(RecordsTest, ALengthBeyondWhatCanBeParsedIsRefused) {
-  const unsigned char byte = 0;
-  ByeByeResponse response;
-  EXPECT_FALSE(readRecord(&byte, std::numeric_limits<unsigned int>::max(), &response));
-}
-
-TEST_F(RecordsTest, RecordsWithoutFieldsAreBodiesOfNoBytes) {
-  EXPECT_TRUE(reads<ByeByeResponse>(""));
-  EXPECT_TRUE(reads<ChannelCloseNotification>(""));
-  EXPECT_TRUE(reads<GenericNotificationService>(""));
-  EXPECT_TRUE(reads<GenericNotificationSubscribe>(""));
-  EXPECT_TRUE(reads<GenericNotificationUnsubscribe>(""));
-  EXPECT_TRUE(reads<MediaBrowserService>(""));
-  EXPECT_TRUE(reads<MediaPlaybackStatusService>(""));
-  EXPECT_TRUE(reads<NavigationStatusStart>(""));
-  EXPECT_TRUE(reads<NavigationStatusStop>(""));
-  EXPECT_TRUE(reads<PhoneStatusService>(""));
-  EXPECT_TRUE(reads<RadioStationInfoRequest>(""));
-  EXPECT_TRUE(reads<Stop>(""));
-  EXPECT_TRUE(reads<VantryVerificationBugReportRequest>(""));
-  EXPECT_TRUE(reads<VantryVerificationDisplayInformationRequest>(""));
-  EXPECT_TRUE(reads<VantryVerificationScreenCaptureRequest>(""));
-  EXPECT_EQ(written(ByeByeResponse()), Bytes());
-  EXPECT_THAT(log.all(), IsEmpty());
-}
-
-TEST_F(RecordsTest, ASkippedFieldIsForgotten) {
-  const auto unknown = read<AuthResponse>("08 00 10 05");
-  EXPECT_EQ(written(unknown), bytes("08 00"));
-  const auto wrongWireType = read<NavFocusRequestNotification>("0A 01 41");
-  EXPECT_FALSE(wrongWireType.has_focus_type());
-  EXPECT_EQ(written(wrongWireType), Bytes());
-}
-
 TEST_F(RecordsTest, ASkippedFieldIsForgottenInsideOtherRecords) {
   EXPECT_EQ(written(read<PhoneStatus>("0A 07 08 01 10 00 F8 01 2A F8 01 2A")), bytes("0A 04 08 01 10 00"));
   EXPECT_EQ(written(read<MediaRootNode>("0A 00 12 07 0A 00 12 00 F8 01 2A F8 01 2A")),
@@ -107,21 +71,6 @@ TEST_F(RecordsTest, AMissingRequiredFieldFailsTheRecordAndAllAroundIt) {
 
 TEST_F(RecordsTest, SendingDoesNotLookForRequiredFields) { EXPECT_EQ(written(AuthResponse()), Bytes()); }
 
-TEST_F(RecordsTest, AnInvalidElementOfARepeatedEnumerationIsLostAlone) {
-  const auto packed = read<BluetoothService>("0A 00 12 03 01 05 03");
-  EXPECT_THAT(packed.supported_pairing_methods(), ElementsAre(1, 3));
-  const auto unpacked = read<BluetoothService>("0A 00 10 01 10 05 10 03");
-  EXPECT_THAT(unpacked.supported_pairing_methods(), ElementsAre(1, 3));
-}
-
-TEST_F(RecordsTest, ThreeRepeatedScalarsAreWrittenPackedAndReadInBothForms) {
-  EXPECT_THAT(read<InputSourceService>("08 01 08 02").keycodes_supported(), ElementsAre(1, 2));
-  EXPECT_EQ(written(read<InputSourceService>("0A 02 01 02")), bytes("0A 02 01 02"));
-  EXPECT_EQ(written(read<InputSourceService>("08 01 08 02")), bytes("0A 02 01 02"));
-  EXPECT_EQ(written(read<KeyBindingRequest>("08 01 08 02")), bytes("0A 02 01 02"));
-  EXPECT_EQ(written(read<BluetoothService>("0A 00 10 01 10 02")), bytes("0A 00 12 02 01 02"));
-}
-
 TEST_F(RecordsTest, FiveRepeatedScalarsAreWrittenUnpackedAndReadInBothForms) {
   EXPECT_EQ(written(read<Config>("08 02 1A 02 01 02")), bytes("08 02 18 01 18 02"));
   EXPECT_EQ(written(read<DeadReckoningData>("12 02 01 02")), bytes("10 01 10 02"));
@@ -139,55 +88,6 @@ TEST_F(RecordsTest, SixtyFourBitsPassWhole) {
   EXPECT_EQ(read<PingRequest>(signedLeast).timestamp(), INT64_MIN);
   EXPECT_EQ(read<PingResponse>(signedLeast).timestamp(), INT64_MIN);
   EXPECT_EQ(read<SensorRequest>("08 01 10 80 80 80 80 80 80 80 80 80 01").min_update_period(), INT64_MIN);
-}
-
-// ---- Control messages ----
-
-TEST_F(RecordsTest, AServiceWithOnlyAnIdNamesNoKind) {
-  const auto service = read<Service>("08 07");
-  EXPECT_EQ(service.id(), 7);
-  EXPECT_EQ(written(service), bytes("08 07"));
-}
-
-TEST_F(RecordsTest, AServiceWithoutAnIdFailsTheWholeResponse) {
-  EXPECT_TRUE(reads<ServiceDiscoveryResponse>("0A 02 08 07 12 01 41"));
-  EXPECT_FALSE(reads<ServiceDiscoveryResponse>("0A 02 08 07 0A 00 12 01 41"));
-}
-
-TEST_F(RecordsTest, AnInvalidRequiredStatusFailsTheRecord) {
-  EXPECT_FALSE(reads<ChannelOpenResponse>("08 84 FE FF FF FF FF FF FF FF 01"));  // -252
-  EXPECT_TRUE(reads<ChannelOpenResponse>("08 85 FE FF FF FF FF FF FF FF 01"));   // -251
-  EXPECT_FALSE(reads<ByeByeRequest>("08 00"));
-  EXPECT_TRUE(reads<ByeByeRequest>("08 01"));
-}
-
-TEST_F(RecordsTest, AnInvalidOptionalFocusReadsAsTheDefault) {
-  const auto notification = read<NavFocusRequestNotification>("08 03");
-  EXPECT_FALSE(notification.has_focus_type());
-  EXPECT_EQ(notification.focus_type(), NAV_FOCUS_1);
-}
-
-TEST_F(RecordsTest, OnlyThePriorityIsZigZag) {
-  ChannelOpenRequest request;
-  request.set_priority(-1);
-  request.set_service_id(-1);
-  EXPECT_EQ(written(request), bytes("08 01"                                // priority -1
-                                    "10 FF FF FF FF FF FF FF FF FF 01"));  // service_id -1
-  EXPECT_EQ(read<ChannelOpenRequest>("08 03 10 07").priority(), -2);
-}
-
-TEST_F(RecordsTest, StatusesAreTheseNumbers) {
-  for (int status = -300; status <= 10; ++status) {
-    const bool valid = (status <= 0 && status >= -20) || status == -251 || (status <= -253 && status >= -255);
-    EXPECT_EQ(MessageStatus_IsValid(status), valid) << status;
-  }
-}
-
-TEST_F(RecordsTest, ControlMessageTypesAreTheseNumbers) {
-  for (int type = -1; type <= 65536; ++type) {
-    const bool valid = (type >= 1 && type <= 19 && type != 10) || type == 255 || type == 65535;
-    EXPECT_EQ(ControlMessageType_IsValid(type), valid) << type;
-  }
 }
 
 // ---- Media messages ----

@@ -42,7 +42,7 @@ Bytes written(const google::protobuf::MessageLite& record) {
   return Bytes(serialized.data(), serialized.size());
 }
 
-// ---- Rules of the encoding ----
+// ---- Of all records ----
 
 TEST_F(RecordsTest, AFailedParseLogsWhereItWasFound) {
   AuthResponse response;
@@ -103,12 +103,11 @@ TEST_F(RecordsTest, AStartNeedsItsConfigurationIndex) {
 
 TEST_F(RecordsTest, AnIncompleteAudioConfigurationFailsTheWholeResponse) {
   EXPECT_FALSE(
-      reads<ServiceDiscoveryResponse>("0A 0B"
+      reads<ServiceDiscoveryResponse>("0A 0A"           // services
                                       "08 07"           // id
-                                      "1A 07"           // media_sink_service
-                                      "1A 05"           // audio_configs
-                                      "08 40 10 10"));  // no number_of_channels, and cut off
-  EXPECT_FALSE(reads<ServiceDiscoveryResponse>("0A 0A 08 07 1A 06 1A 04 08 40 10 10"));
+                                      "1A 06"           // media_sink_service
+                                      "1A 04"           // audio_configs
+                                      "08 40 10 10"));  // and no number_of_channels
   EXPECT_TRUE(reads<ServiceDiscoveryResponse>("0A 0C 08 07 1A 08 1A 06 08 40 10 10 18 02"));
 }
 

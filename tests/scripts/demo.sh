@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # usage: demo.sh SOURCE_DIR BUILD_DIR
-# The demo's picture is, to the frame, the last that the phone drew; no frame is lost on the way.
+# The demo's picture is, to the frame, the last that the phone drew; no frame is lost on the way. The sound that it
+# leaves behind is, sample by sample, what was sent, in both directions; touches and sensors have come through.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 demo=$1/scripts/demo programs=$2
 
@@ -13,10 +14,18 @@ shows() {
   [[ $output == *" $(($1 + 1)) sent, $(($1 + 1)) decoded"* ]] || fail "not every frame was decoded: $output"
 }
 
+same() { "$programs/tests/scripts/sound_check" "$@" >/dev/null || fail "$1 is not what was sent"; }
+tells() { grep -q "$1" "$tmp/car.jsonl" || fail "the car's record has no $1"; }
+
 shows 0 --frames 1
-shows 59 --frames 60 --fast
 shows 24 --frames 25 --fast --size 1280x720
-[[ $output != *' - '* ]] || fail "a figure is missing: $output"
+shows 89 --frames 90 --sounds media
+[[ $output != *' - '* && $output != *'-,'* && $output != *'- ms'* ]] || fail "a figure is missing: $output"
+same "$tmp/sound.wav" tone 2
+same "$tmp/microphone.wav" "$tmp/voice.wav" 1.5
+(($("$programs/tests/scripts/picture_counter" "$tmp/screen.png" touches) > 0)) || fail "the screen shows no touch"
+for message in sensor_batch input_report; do tells "\"message\":\"$message\""; done
+for field in speed_e3 latitude_e7 gear night_mode pointer_data; do tells "\"$field\":"; done
 
 if output=$("$demo" --headless --programs "$programs" --out "$tmp" --video "$tmp/phone.log" 2>&1); then
   fail "a file that is no video does not end the demo"

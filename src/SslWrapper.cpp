@@ -26,6 +26,7 @@ void SslWrapper::setCertificateVerificationTime(time_t time) {
 }
 
 int SslWrapper::handshake(void* data, unsigned int length, IoBuffer* out) {
+  if (ssl == nullptr) return -1;  // the host went on without credentials: no phone may bring it down by that
   forgetOpenSslErrors();
   if (data != nullptr) BIO_write(readBio, data, static_cast<int>(length));
   const int result = SSL_do_handshake(ssl);

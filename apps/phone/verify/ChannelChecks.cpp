@@ -130,6 +130,7 @@ void servesHighestChannel(Probe& probe) {
   const int status = awaitStatus(probe, 255, "an answer on channel 255");
   Probe::expect(status == STATUS_SUCCESS, "status 0", std::to_string(status));
   probe.expectRefused(255, messageBytes(0x7abc), "an unknown message on channel 255");
+  probe.close(255);
 }
 
 void refusesUnknownControlFrames(Probe& probe) {

@@ -1,6 +1,7 @@
 #include "phone/verify/Probe.h"
 
 #include <cstdio>
+#include <iterator>
 
 namespace phone::verify {
 
@@ -116,6 +117,8 @@ const std::vector<Service>& Probe::services() {
 
 std::uint8_t Probe::open(const Service& service) {
   PhoneLink& up = link();
+  // A service has one channel at a time, and an earlier check may have left it open.
+  if (const auto known = channels_.find(service.id()); known != channels_.end()) close(known->second);
   const std::uint8_t channel = up.unusedChannel();
   expect(channel != 0, "a channel that is free", "all are in use");
   up.openChannel(channel, service.id());
@@ -123,17 +126,20 @@ std::uint8_t Probe::open(const Service& service) {
   expect(up.channelState(channel) == ChannelState::open,
          "service " + std::to_string(service.id()) + " opens on channel " + std::to_string(channel),
          whyNothing(channel));
+  channels_[service.id()] = channel;
   return channel;
 }
 
-void Probe::close(std::uint8_t channel) { link().closeChannel(channel); }
+void Probe::close(std::uint8_t channel) {
+  for (auto known = channels_.begin(); known != channels_.end();) {
+    known = known->second == channel ? channels_.erase(known) : std::next(known);
+  }
+  link().closeChannel(channel);
+}
 
 std::uint8_t Probe::channelOf(const Service& service) {
   const auto known = channels_.find(service.id());
-  if (known != channels_.end()) return known->second;
-  const int id = service.id();
-  const std::uint8_t channel = open(service);
-  return channels_[id] = channel;
+  return known != channels_.end() ? known->second : open(service);
 }
 
 // ---- What the head unit says ----

@@ -51,10 +51,10 @@ class Probe {
     }
     throw NotOffered{name};
   }
-  /// Opens a channel to a service; the first that was not used yet.
+  /// Opens a new channel to a service, closing the one that it has.
   std::uint8_t open(const Service& service);
   void close(std::uint8_t channel);
-  /// Opens, and keeps open for the whole link.
+  /// The channel that a service has; opened if there is none.
   std::uint8_t channelOf(const Service& service);
 
   // ---- What the head unit says ----
@@ -97,7 +97,7 @@ class Probe {
   Credentials credentials_;
   std::unique_ptr<LinkUnderTest> link_;
   std::vector<Service> services_;
-  std::map<int, std::uint8_t> channels_;                     ///< By service.
+  std::map<int, std::uint8_t> channels_;                      ///< Those that are open, by service.
   std::map<std::uint8_t, std::size_t> begin_;                ///< Messages of a channel when the check began.
   std::map<std::pair<std::uint8_t, int>, std::size_t> seen_;  ///< Messages of a type that were waited for.
   std::vector<std::string> violations_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "headunit/Clock.h"
+#include "headunit/LinkStats.h"
 
 namespace headunit {
 namespace {
@@ -26,10 +27,11 @@ Finger fingerAt(unsigned int id, Point place, Size picture) {
 
 }  // namespace
 
-void Controls::attach(InputSource* source, ControlTotals* totals) {
+void Controls::attach(InputSource* source, ControlTotals* totals, LinkStats* stats) {
   const std::lock_guard lock(mutex_);
   source_ = source;
   totals_ = totals;
+  stats_ = stats;
   fingers_ = Fingers();  // what is still down was meant for another phone
 }
 
@@ -60,6 +62,7 @@ void Controls::report(const std::optional<TouchChange>& change) {
     x.push_back(finger.x);
     y.push_back(finger.y);
   }
+  if (stats_ != nullptr) stats_->touched(Clock::now());
   count(&ControlTotals::touches, source_->reportTouch(timestamp(), static_cast<int>(ids.size()), ids.data(),
                                                       x.data(), y.data(), change->action, change->index));
 }

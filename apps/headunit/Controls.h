@@ -11,6 +11,8 @@
 
 namespace headunit {
 
+class LinkStats;
+
 /// The touch screen's coordinates, as the phone is told them. They are as fine as the largest picture, and
 /// stand for the whole of whichever picture the phone sends.
 constexpr Size TOUCH_SCREEN{1920, 1080};
@@ -28,8 +30,8 @@ struct ControlTotals {
 /// nowhere. Any thread, any number at once.
 class Controls {
  public:
-  /// `source` and `totals` must stay until detach.
-  void attach(InputSource* source, ControlTotals* totals);
+  /// All must stay until detach; `stats` may be null, and times touches otherwise.
+  void attach(InputSource* source, ControlTotals* totals, LinkStats* stats = nullptr);
   void detach();
 
   /// Coordinates are pixels of a picture of the size given.
@@ -48,6 +50,7 @@ class Controls {
   std::mutex mutex_;
   InputSource* source_ = nullptr;
   ControlTotals* totals_ = nullptr;
+  LinkStats* stats_ = nullptr;
   Fingers fingers_;
 };
 

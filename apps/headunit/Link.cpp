@@ -109,7 +109,7 @@ void Link::offerInput() {
   input_->setTouchScreenHeight(TOUCH_SCREEN.height);
   input_->setSupportedKeycodes(equipment_.keyCodes);
   offer(input_.get());
-  equipment_.controls->attach(input_.get(), &controlTotals_);
+  equipment_.controls->attach(input_.get(), &controlTotals_, stats_.get());
   if (!equipment_.touches) return;
   touches_ = std::make_unique<TouchPlayer>(*equipment_.touches, equipment_.controls, [this] {
     const VideoTotals totals = stats_->totals();

@@ -3,6 +3,9 @@
 namespace headunit {
 namespace {
 
+// Of a phone that never shows any, no more are kept.
+constexpr std::size_t MOST_UNSEEN_TOUCHES = 1024;
+
 Latency spreadOf(const LatencyHistogram& histogram) {
   return {histogram.count(), histogram.percentile(50), histogram.percentile(99), histogram.longest()};
 }
@@ -57,6 +60,32 @@ void LinkStats::shown(const FrameTimes& times) {
   const std::lock_guard lock(mutex_);
   ++totals_.shown;
   decodedToShown_.add(between(times.decoded, times.shown));
+}
+
+void LinkStats::touched(TimePoint when) {
+  const std::lock_guard lock(mutex_);
+  unseenTouches_.push_back(when);
+  if (unseenTouches_.size() <= MOST_UNSEEN_TOUCHES) return;
+  unseenTouches_.pop_front();
+  ++seenTouches_;
+}
+
+void LinkStats::touchesSeen(std::uint32_t count, TimePoint when) {
+  const std::lock_guard lock(mutex_);
+  for (; seenTouches_ < count && !unseenTouches_.empty(); ++seenTouches_) {
+    touches_.add(between(unseenTouches_.front(), when));
+    unseenTouches_.pop_front();
+  }
+}
+
+bool LinkStats::awaitsTouches() const {
+  const std::lock_guard lock(mutex_);
+  return !unseenTouches_.empty();
+}
+
+Latency LinkStats::touches() const {
+  const std::lock_guard lock(mutex_);
+  return spreadOf(touches_);
 }
 
 VideoTotals LinkStats::totals() const {

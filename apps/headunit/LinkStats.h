@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <mutex>
 #include <optional>
 
@@ -52,10 +53,17 @@ class LinkStats {
   void decoded(const FrameTimes& times, int width, int height);
   void dropped();
   void shown(const FrameTimes& times);
+  /// A touch report is about to go out.
+  void touched(TimePoint when);
+  /// A picture that shows the first `count` of them can be seen.
+  void touchesSeen(std::uint32_t count, TimePoint when);
 
   VideoTotals totals() const;
   VideoLatencies latencies() const;
   Latency pings() const;
+  /// From a touch report to the first picture that shows it.
+  Latency touches() const;
+  bool awaitsTouches() const;
   /// From connection to authentication.
   std::optional<microseconds> handshake() const;
   /// From the first frame's receipt to the last one's.
@@ -75,6 +83,9 @@ class LinkStats {
   LatencyHistogram dequeuedToDecoded_;
   LatencyHistogram socketToDecoded_;
   LatencyHistogram decodedToShown_;
+  std::deque<TimePoint> unseenTouches_;
+  std::uint64_t seenTouches_ = 0;
+  LatencyHistogram touches_;
 };
 
 }  // namespace headunit

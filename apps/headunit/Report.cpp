@@ -69,8 +69,12 @@ Json microphoneFigures(const MicrophoneTotals& totals) {
       {"blocks", totals.blocks}, {"held_back", totals.heldBack}, {"most_unacknowledged", totals.mostUnacked}};
 }
 
-Json controlFigures(const ControlTotals& totals) {
-  return {{"touches", totals.touches}, {"keys", totals.keys}, {"turns", totals.turns}};
+Json controlFigures(const LinkRecord& record) {
+  const ControlTotals& totals = record.controls;
+  return {{"touches", totals.touches},
+          {"keys", totals.keys},
+          {"turns", totals.turns},
+          {"touch_to_picture_us", spread(record.stats->touches())}};
 }
 
 Json latencyFigures(const VideoLatencies& latencies) {
@@ -90,7 +94,7 @@ std::string toJson(const LinkRecord& record) {
   figures["latency_us"] = latencyFigures(record.stats->latencies());
   figures["sound"] = soundFigures(record);
   figures["microphone"] = microphoneFigures(record.microphone);
-  figures["input"] = controlFigures(record.controls);
+  figures["input"] = controlFigures(record);
   figures["sensors"] = {{"reports", record.sensorReports}};
   figures["end"] = {{"clean", record.end.clean}, {"words", record.end.words()}};
   // The words may hold what a phone made up; that must not make the file unwritable.

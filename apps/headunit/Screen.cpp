@@ -1,12 +1,24 @@
 #include "headunit/Screen.h"
 
 #include "headunit/LinkStats.h"
+#include "headunit/TouchStrip.h"
 
 namespace headunit {
+namespace {
+
+void note(const Picture& picture) {
+  LinkStats& stats = *picture.stats;
+  stats.shown(picture.times);
+  if (!stats.awaitsTouches()) return;
+  const std::optional<std::uint32_t> touches = touchesSeenIn(picture);
+  if (touches) stats.touchesSeen(*touches, picture.times.shown);
+}
+
+}  // namespace
 
 void Screen::nowShows(Picture picture) {
   picture.times.shown = Clock::now();
-  if (picture.stats) picture.stats->shown(picture.times);
+  if (picture.stats) note(picture);
   const std::lock_guard lock(mutex_);
   last_ = std::move(picture);
 }

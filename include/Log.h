@@ -6,8 +6,8 @@
 extern "C" {
 
 /// Detail: thread exits and messages that do not parse. Supplied by the host process (or by the static library
-/// receiver-lib-stderr-log); the shared library leaves the symbol undefined. `format` is printf's and begins
-/// "[LHU] "; it and its arguments are valid during the call only. No newline is included. Called on any thread that
+/// receiver-lib-stderr-log); the shared library leaves the symbol undefined. `format` is printf's; the line
+/// that it makes begins "[LHU] ". It and its arguments are valid during the call only. No newline is included. Called on any thread that
 /// runs library code, several at once; it must not call back into the library and must not throw.
 void print_debug_i(const char* format, ...) __attribute__((format(printf, 1, 2)));
 

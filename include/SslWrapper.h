@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <ctime>
 #include <string>
 
@@ -74,7 +75,7 @@ class VANTRY_EXPORT SslWrapper {
   /// An upper limit for the plaintext bytes that wait; 0 if there are none.
   int decryptionPipelinePending();
 
-  /// 0 before `init`, then an SslWrapperState.
+  /// Any thread: 0 before `init`, then an SslWrapperState.
   int currentState() const { return state; }
 
  private:
@@ -84,7 +85,7 @@ class VANTRY_EXPORT SslWrapper {
   bool createCertificateStore();
   void takeHandshakeOutput(IoBuffer* out);
 
-  int state = 0;
+  std::atomic<int> state{0};
   X509* rootCertificate = nullptr;
   X509* clientCertificate = nullptr;
   BIO* readBio = nullptr;

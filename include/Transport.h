@@ -49,7 +49,7 @@ class VANTRY_EXPORT Transport {
   virtual void abortTransfers() = 0;
 
   /// Reader thread. Reads up to `length` bytes into `data`. Returns the count, which may be smaller; -2 for nothing
-  /// now, call again (at once: do the waiting here); -1 for a fatal error.
+  /// now, call again (at once: do the waiting here); -1 for a fatal error. No other negative number.
   virtual int read(void* data, unsigned int length) = 0;
 
   /// Writer thread. Writes up to `length` bytes. Results as those of `read`.

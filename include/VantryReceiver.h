@@ -25,7 +25,7 @@ class VANTRY_EXPORT VantryReceiver {
   VantryReceiver& operator=(const VantryReceiver&) = delete;
 
   /// First of all: opens channel 0 for the controller, and forgets endpoints registered before. Keeps a reference to
-  /// `callbacks` until destruction. In effect always true (1).
+  /// `callbacks`, which must point to an object, until destruction. In effect always true (1).
   int init(const shared_ptr<IControllerCallbacks>& callbacks);
 
   /// Between `init` and `start`: offers a service to the phone. `endpoint` is not owned and must outlive the link.

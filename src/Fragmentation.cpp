@@ -1,5 +1,6 @@
 // ChannelManager's half that cuts messages into frames and puts received fragments together.
 
+#include <cassert>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -91,6 +92,7 @@ shared_ptr<IoBuffer> ChannelManager::framesToMessage(const shared_ptr<Channel>& 
   }
 
   const unsigned long long sent = frame->length + source->incomingLength();
+  assert(sent <= frame->totalLength);  // checkFragment has let no more in
   shared_ptr<IoBuffer> message(new IoBuffer());
   if (!allocateMessage(&*message, frame->totalLength, sent)) return shared_ptr<IoBuffer>();
   unsigned char* cursor = message->data;

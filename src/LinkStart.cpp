@@ -83,7 +83,7 @@ void Controller::completeAuthentication() {
 void Controller::failAuthentication() {
   sendAuthResponse(STATUS_AUTHENTICATION_FAILURE);
   print_critical_i("[LHU] Shutting down connection due to authentication failure.");
-  callbacks->unrecoverableError();
+  unrecoverableError();
 }
 
 void Controller::sendAuthResponse(int status) {

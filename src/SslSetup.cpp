@@ -40,6 +40,8 @@ EVP_PKEY* parsePrivateKey(const std::string& pem) {
 
 bool SslWrapper::init(const std::string& rootCertificatePem, const std::string& clientCertificatePem,
                       const std::string& privateKeyPem) {
+  // First of all, because later calls would read the configuration file that the environment may name.
+  OPENSSL_init_ssl(OPENSSL_INIT_NO_LOAD_CONFIG, nullptr);
   SSL_load_error_strings();
   SSL_library_init();
   OPENSSL_add_all_algorithms_noconf();

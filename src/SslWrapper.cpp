@@ -104,6 +104,7 @@ int SslWrapper::decryptionPipelineEnqueue(void* data, unsigned int length) {
 }
 
 int SslWrapper::decryptionPipelinePending() {
+  if (ssl == nullptr) return 0;
   // What BIO_pending(sslBio) tells, by a shorter way: plaintext of the record under way, else ciphertext.
   const int plain = SSL_pending(ssl);
   return plain != 0 ? plain : static_cast<int>(BIO_pending(readBio));

@@ -12,8 +12,11 @@
 #include "phone/program/CarJournal.h"
 #include "phone/program/Console.h"
 #include "phone/program/Options.h"
+#include "phone/program/ScenarioCommand.h"
 #include "phone/program/Sound.h"
 #include "phone/program/Stats.h"
+#include "phone/program/VerifyCommand.h"
+#include "phone/services/ServicePlayers.h"
 
 namespace phone {
 namespace {
@@ -111,6 +114,11 @@ struct Output {
   CarJournal journal;
 };
 
+bool readMusic(const Options& options, std::vector<Song>* songs, std::string* error) {
+  *songs = options.music.empty() ? builtInMusic() : scanMusic(options.music, error);
+  return !songs->empty();
+}
+
 bool openOutput(const Options& options, Output* output, std::string* error) {
   if (!options.stats.empty()) output->stats.open(options.stats);
   if (!output->stats) {
@@ -139,7 +147,7 @@ int report(const Options& options, const PhoneSession& session, Output* output) 
 }
 
 int runLink(const Options& options, Credentials credentials, std::unique_ptr<VideoSource> video,
-            Output* output) {
+            std::vector<Song> songs, Output* output) {
   Wake wake;
   catchSignals(&wake);
   std::string error;
@@ -158,6 +166,7 @@ int runLink(const Options& options, Credentials credentials, std::unique_ptr<Vid
   Console console(&link, &timers);
   PhoneSession session(&link, &timers, sessionOptions(options, &output->journal),
                        videoFactory(options, std::move(video)));
+  ServicePlayers services(&link, &timers, std::move(songs));
   SocketRunner runner(&link, &timers, &wake);
   runner.onWake([&session] { session.interrupt(); });
   console.watch(&session);
@@ -170,27 +179,31 @@ int runLink(const Options& options, Credentials credentials, std::unique_ptr<Vid
 int run(Options options) {
   std::string error;
   Output output;
+  std::vector<Song> songs;
   auto credentials = loadCredentials(options.credentials, &error);
   auto video = credentials ? openVideo(options, options.size, &error) : nullptr;
-  if (!video || !settleSound(&options, &error) || !openOutput(options, &output, &error)) {
+  if (!video || !readMusic(options, &songs, &error) || !settleSound(&options, &error) ||
+      !openOutput(options, &output, &error)) {
     spdlog::error("{}", error);
     return exitUsage;
   }
   if (const std::string doubts = doubtsAbout(*credentials); !doubts.empty()) {
     spdlog::warn("{}; the head unit will probably refuse it", doubts);
   }
-  return runLink(options, std::move(*credentials), std::move(video), &output);
+  return runLink(options, std::move(*credentials), std::move(video), std::move(songs), &output);
 }
 
 }  // namespace
 }  // namespace phone
 
 int main(int argc, char** argv) {
-  int status = 0;
-  const auto options = phone::readOptions(argc, argv, &status);
-  if (!options) return status;
-  phone::setUpLog(options->verbose);
   try {
+    if (argc > 1 && std::string(argv[1]) == "verify") return phone::runVerify(argc - 1, argv + 1);
+    if (phone::asksForScenario(argc, argv)) return phone::runScenario(argc, argv);
+    int status = 0;
+    const auto options = phone::readOptions(argc, argv, &status);
+    if (!options) return status;
+    phone::setUpLog(options->verbose);
     return phone::run(*options);
   } catch (const std::exception& failure) {
     spdlog::error("phone: {}; this should not happen", failure.what());

@@ -9,7 +9,8 @@ namespace {
 
 constexpr char footer[] =
     "Exit status: 0 after a link that ended in good order, 1 for wrong usage, 2 for a link that failed.\n"
-    "With --listen HOST:0 the system chooses the port; a line \"listening on HOST:PORT\" tells which.";
+    "With --listen HOST:0 the system chooses the port; a line \"listening on HOST:PORT\" tells which."
+    "\n\"vantry-phone verify --help\" tells how to check a head unit, \"vantry-phone --list-scenarios\" what can be played.";
 
 const std::map<std::string, PictureSize> sizes = {
     {"800x480", {800, 480}}, {"1280x720", {1280, 720}}, {"1920x1080", {1920, 1080}}};
@@ -63,6 +64,8 @@ void addSound(CLI::App* app, Options* options, Texts* texts) {
       ->check(checkSound)
       ->type_name("LIST")
       ->capture_default_str();
+  app->add_option("--music", options->music, "songs to show and to browse, instead of the built-in ones")
+      ->type_name("DIR");
   app->add_option("--microphone", options->microphone, "write what the car's microphone hears to this file")
       ->type_name("FILE.wav");
   app->add_option("--record", options->record,

@@ -20,6 +20,7 @@ struct Options {
   std::string audio;  ///< Empty: the video's own sound, or a tone.
   std::vector<AudioStreamType> sounds;
   std::string microphone;  ///< Empty: it is left alone.
+  std::string music;       ///< Empty: a few built-in songs.
   std::string record;      ///< Empty: what the car tells is not kept.
   PictureSize size;
   int fps = 30;

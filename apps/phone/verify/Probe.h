@@ -38,6 +38,8 @@ class Probe {
   /// A link that is up: the last one if it still is, otherwise a new one.
   PhoneLink& link();
   bool runUntil(const std::function<bool()>& done, Micros limit = patience);
+  /// How the last link ended; empty if it has not.
+  std::optional<LinkEnd> end() const { return link_ ? link_->link().end() : std::nullopt; }
   /// Waits until the head unit has dealt with all that was sent to it.
   void settle();
 

@@ -1,0 +1,15 @@
+#ifndef PHONE_PROGRAM_SCENARIOCOMMAND_H
+#define PHONE_PROGRAM_SCENARIOCOMMAND_H
+
+namespace phone {
+
+/// Whether the command line holds --scenario or --list-scenarios.
+bool asksForScenario(int argc, char** argv);
+
+/// Plays a scenario against a head unit, or lists those that come with the program. Returns the exit status:
+/// 0 if it went as written, 1 for wrong usage, 3 if an expectation failed.
+int runScenario(int argc, char** argv);
+
+}  // namespace phone
+
+#endif

@@ -1,0 +1,121 @@
+#include "phone/scenario/Scenario.h"
+#include "phone/scenario/WireFields.h"
+#include "phone/verify/Probe.h"
+
+namespace phone::scenario {
+
+namespace {
+
+using verify::Mismatch;
+using verify::Probe;
+
+constexpr char verificationName[] =
+    "com.corvane.drovia.projection.protocol.VantryVerificationVendorExtension";
+
+bool isOfKind(const Service& service, const std::string& kind) {
+  if (kind == std::to_string(service.id())) return true;
+  if (kind == "video") return service.media_sink_service().video_configs_size() > 0;
+  if (kind == "audio")
+    return service.has_media_sink_service() && service.media_sink_service().video_configs_size() == 0;
+  if (kind == "microphone") return service.has_media_source_service();
+  if (kind == "sensors") return service.has_sensor_source_service();
+  if (kind == "input") return service.has_input_source_service();
+  if (kind == "bluetooth") return service.has_bluetooth_service();
+  if (kind == "radio") return service.has_radio_service();
+  if (kind == "navigation") return service.has_navigation_status_service();
+  if (kind == "playback") return service.has_media_playback_service();
+  if (kind == "phone") return service.has_phone_status_service();
+  if (kind == "browser") return service.has_media_browser_service();
+  if (kind == "notifications") return service.has_generic_notification_service();
+  if (kind == "vendor") return service.has_vendor_extension_service();
+  if (kind == "verification") return service.vendor_extension_service().service_name() == verificationName;
+  return false;
+}
+
+std::uint8_t channelFor(Probe& probe, const std::string& kind) {
+  if (kind == "control") return 0;
+  const std::string name = "a service \"" + kind + "\"";
+  return probe.channelOf(
+      probe.find([&kind](const Service& one) { return isOfKind(one, kind); }, name.c_str()));
+}
+
+void send(Probe& probe, const Step& step) {
+  const std::uint8_t channel = channelFor(probe, step.service);
+  const Bytes body = step.raw ? *step.raw : step.fields.is_null() ? Bytes() : encodeFields(step.fields);
+  probe.link().send(channel, static_cast<std::uint16_t>(step.type), body);
+}
+
+bool fits(const Message& message, const Step& step) {
+  const Bytes body(message.bytes.begin() + 2, message.bytes.end());
+  if (step.raw) return body == *step.raw;
+  return step.fields.is_null() || hasFields(body, step.fields);
+}
+
+// Messages of the type that do not fit are passed over: a car says many things at once.
+std::optional<Message> awaitFitting(Probe& probe, std::uint8_t channel, const Step& step) {
+  while (auto message = probe.awaitMaybe(channel, step.type, step.within)) {
+    if (fits(*message, step)) return message;
+  }
+  return std::nullopt;
+}
+
+void expect(Probe& probe, const Step& step) {
+  const std::uint8_t channel = channelFor(probe, step.service);
+  if (awaitFitting(probe, channel, step)) return;
+  const std::string fields = step.fields.is_null() ? "" : " with " + step.fields.dump();
+  throw Mismatch{
+      "message " + verify::hex(step.type) + fields + " within " + std::to_string(step.within / 1000) + " ms",
+      probe.cameOn(channel)};
+}
+
+void expectNone(Probe& probe, const Step& step) {
+  const auto message = awaitFitting(probe, channelFor(probe, step.service), step);
+  if (message) throw Mismatch{"no message " + verify::hex(step.type), verify::hex(message->bytes)};
+}
+
+void run(Probe& probe, const Step& step) {
+  switch (step.kind) {
+    case Step::Kind::open:
+      channelFor(probe, step.service);
+      return;
+    case Step::Kind::close:
+      probe.close(channelFor(probe, step.service));
+      return;
+    case Step::Kind::send:
+      send(probe, step);
+      return;
+    case Step::Kind::wait:
+      probe.runUntil([] { return false; }, step.within);
+      return;
+    case Step::Kind::expect:
+      expect(probe, step);
+      return;
+    case Step::Kind::expectNone:
+      expectNone(probe, step);
+      return;
+  }
+}
+
+}  // namespace
+
+Verdict play(const Scenario& scenario, verify::HeadUnit* headUnit, const Credentials& credentials,
+             const std::function<void(const Step&)>& onStep) {
+  Probe probe(headUnit, credentials);
+  std::string at = "bring-up";
+  try {
+    probe.freshUpLink();
+    for (const Step& step : scenario.steps) {
+      at = step.name;
+      if (onStep) onStep(step);
+      run(probe, step);
+      if (const auto end = probe.end()) return {false, at, "the link has ended: " + end->words()};
+    }
+  } catch (const Mismatch& mismatch) {
+    return {false, at, "expected " + mismatch.expected + "; came " + mismatch.came};
+  } catch (const verify::NotOffered& missing) {
+    return {false, at, "the head unit does not offer " + missing.what};
+  }
+  return {};
+}
+
+}  // namespace phone::scenario

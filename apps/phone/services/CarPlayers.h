@@ -1,0 +1,62 @@
+#ifndef PHONE_SERVICES_CARPLAYERS_H
+#define PHONE_SERVICES_CARPLAYERS_H
+
+#include "phone/services/ServicePlayer.h"
+
+namespace phone {
+
+/// Asks to be paired, and asks again for as long as the head unit wants it to wait.
+class BluetoothPlayer : public ServicePlayer {
+ public:
+  BluetoothPlayer(PhoneLink* link, Timers* timers, const BluetoothService& service)
+      : ServicePlayer(link, timers), service_(service) {}
+  void onOpened() override { ask(); }
+  void onMessage(const Message& message) override;
+  bool isPaired() const { return paired_; }
+
+ protected:
+  void onTime() override { ask(); }
+
+ private:
+  void ask();
+  BluetoothService service_;
+  bool paired_ = false;
+};
+
+/// Tunes in, asks what the station is, and scans on from time to time.
+class RadioPlayer : public ServicePlayer {
+ public:
+  RadioPlayer(PhoneLink* link, Timers* timers, const RadioService& service)
+      : ServicePlayer(link, timers), service_(service) {}
+  void onOpened() override;
+  void onMessage(const Message& message) override;
+
+ protected:
+  void onTime() override;
+
+ private:
+  void tune(int frequency);
+  RadioService service_;
+};
+
+/// Guides along a route, round and round, from the head unit's start to its stop.
+class RoutePlayer : public ServicePlayer {
+ public:
+  RoutePlayer(PhoneLink* link, Timers* timers, const NavigationStatusService& service)
+      : ServicePlayer(link, timers), service_(service) {}
+  void onMessage(const Message& message) override;
+
+ protected:
+  void onTime() override;
+
+ private:
+  void tellTurn();
+  void tellDistance();
+  NavigationStatusService service_;
+  std::size_t turn_ = 0;
+  int metres_ = 0;
+};
+
+}  // namespace phone
+
+#endif

@@ -1,0 +1,67 @@
+#include "phone/services/TurnImage.h"
+
+#include "phone/media/Png.h"
+#include "phone/media/Shapes.h"
+
+namespace phone {
+
+namespace {
+
+constexpr int largest = 1024;
+constexpr std::uint8_t ground[3] = {18, 26, 38};
+constexpr std::uint8_t ink[3] = {94, 224, 173};
+
+struct Arrow {
+  Capsule stem, branch, leftBarb, rightBarb;
+  Ring ring;
+  bool hasRing;
+
+  int at(Point p) const {
+    float distance = std::min({stem(p), branch(p), leftBarb(p), rightBarb(p)});
+    if (hasRing) distance = std::min(distance, ring(p));
+    return coverage(distance);
+  }
+};
+
+Point towards(float degrees) {
+  const float radians = degrees * 3.14159265F / 180.0F;
+  return {std::sin(radians), -std::cos(radians)};
+}
+
+Arrow arrowFor(float angle, bool roundabout, float width, float height) {
+  const float size = std::min(width, height);
+  const Point middle{width / 2, height / 2};
+  const float stroke = size / 16;
+  const Point tip = middle + towards(angle) * (size * 0.36F);
+  const float inner = roundabout ? size * 0.16F : 0;
+  const auto barb = [&](float turn) {
+    return Capsule{tip, tip + towards(angle + turn) * (size * 0.17F), stroke};
+  };
+  return {{middle + Point{0, size * 0.42F}, middle + Point{0, inner}, stroke},
+          {middle + towards(angle) * inner, tip, stroke},
+          barb(140),
+          barb(-140),
+          {middle, inner, stroke},
+          roundabout};
+}
+
+}  // namespace
+
+Bytes drawTurn(int angle, bool roundabout, int width, int height) {
+  if (width <= 0 || height <= 0 || width > largest || height > largest) return {};
+  const Arrow arrow =
+      arrowFor(static_cast<float>(angle), roundabout, static_cast<float>(width), static_cast<float>(height));
+  Bytes rgb;
+  rgb.reserve(static_cast<std::size_t>(width * height) * 3);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const int share = arrow.at({static_cast<float>(x) + 0.5F, static_cast<float>(y) + 0.5F});
+      for (int i = 0; i < 3; ++i) {
+        rgb.push_back(static_cast<std::uint8_t>((ground[i] * (256 - share) + ink[i] * share) / 256));
+      }
+    }
+  }
+  return encodePng(rgb.data(), width, height);
+}
+
+}  // namespace phone

@@ -1,0 +1,14 @@
+#ifndef PHONE_SERVICES_TURNIMAGE_H
+#define PHONE_SERVICES_TURNIMAGE_H
+
+#include "phone/Bytes.h"
+
+namespace phone {
+
+/// A PNG with an arrow that comes from below and leaves at `angle` degrees to the right of straight on,
+/// through a roundabout if there is one. Empty if the size is no picture's.
+Bytes drawTurn(int angle, bool roundabout, int width, int height);
+
+}  // namespace phone
+
+#endif

@@ -31,5 +31,42 @@ TEST(HeadunitLayout, IsEmptyForNothing) {
   expectRect(fitted({800, 480}, {800, 0}), 0, 0, 0, 0);
 }
 
+void expectPoint(const Point& point, int x, int y) {
+  EXPECT_EQ(point.x, x);
+  EXPECT_EQ(point.y, y);
+}
+
+TEST(HeadunitPictureView, UndoesTheScaling) {
+  const PictureView view({800, 480}, {0, 0}, {1600, 1200});  // twice as large, 120 pixels from the top
+  expectPoint(view.toPicture({0, 120}), 0, 0);
+  expectPoint(view.toPicture({1, 121}), 0, 0);
+  expectPoint(view.toPicture({2, 122}), 1, 1);
+  expectPoint(view.toPicture({1599, 1079}), 799, 479);
+}
+
+TEST(HeadunitPictureView, UndoesTheMargins) {
+  const PictureView view({1280, 720}, {80, 20}, {1200, 700});
+  expectRect(view.shown(), 40, 10, 1200, 700);
+  expectRect(view.area(), 0, 0, 1200, 700);
+  expectPoint(view.toPicture({0, 0}), 40, 10);
+  expectPoint(view.toPicture({1199, 699}), 1239, 709);
+}
+
+TEST(HeadunitPictureView, FindsTheNearestPlaceFromOutside) {
+  const PictureView view({800, 480}, {0, 0}, {1000, 480});
+  EXPECT_FALSE(view.isInside({99, 0}));
+  EXPECT_TRUE(view.isInside({100, 0}));
+  EXPECT_TRUE(view.isInside({899, 479}));
+  EXPECT_FALSE(view.isInside({900, 0}));
+  expectPoint(view.toPicture({0, -5}), 0, 0);
+  expectPoint(view.toPicture({999, 480}), 799, 479);
+}
+
+TEST(HeadunitPictureView, IgnoresMarginsThatLeaveNothing) {
+  expectRect(withoutMargins({800, 480}, {800, 0}), 0, 0, 800, 480);
+}
+
+TEST(HeadunitPictureView, ShowsNothingWithoutAPicture) { EXPECT_FALSE(PictureView().isInside({0, 0})); }
+
 }  // namespace
 }  // namespace headunit

@@ -47,6 +47,12 @@ class EndpointTest : public testing::Test {
   PlainLink link;
 };
 
+/// What a service logs of a message that does not parse, found in `sourceFile` of the library. A compiler
+/// cache may put a relative path before the project's own folders.
+inline auto parseFailureIn(const std::string& sourceFile) {
+  return testing::MatchesRegex("\\[LHU\\] Failed to parse proto at [^ ]*src/" + sourceFile + "\\.cpp:[0-9]+");
+}
+
 /// What the router sends for a message that an endpoint does not take.
 inline Bytes unexpectedMessage() { return bytes("00 FF"); }
 

@@ -9,12 +9,6 @@ namespace test {
 /// The bytes of a text, for golden vectors: bytes("0A 03") + text("abc").
 inline Bytes text(const std::string& characters) { return Bytes(characters.data(), characters.size()); }
 
-/// What a service logs of a message that does not parse, found in `sourceFile` of the library. A compiler
-/// cache may put a relative path before the project's own folders.
-inline auto parseFailureIn(const std::string& sourceFile) {
-  return testing::MatchesRegex("\\[LHU\\] Failed to parse proto at [^ ]*src/" + sourceFile + "\\.cpp:[0-9]+");
-}
-
 /// The fixture for a service of which the test is about one channel, CHANNEL. The derived fixture calls
 /// `open` with its endpoint, whose service id is SERVICE.
 class ServiceTest : public EndpointTest {

@@ -6,8 +6,6 @@
 namespace test {
 namespace {
 
-using testing::StartsWith;
-
 struct ChannelControlTest : EndpointTest {
   RecordingEndpoint service{3, link.router()};
   RecordingEndpoint other{4, link.router()};
@@ -116,8 +114,7 @@ TEST_F(ChannelControlTest, AnUnparsableRequestIsLoggedAndNotAnswered) {
     EXPECT_EQ(feedsControl(7, message), STATUS_INVALID_CHANNEL) << message;
   }
   EXPECT_EQ(log.all().size(), 6U);
-  EXPECT_THAT(log.debug(),
-              testing::Each(StartsWith("[LHU] Failed to parse proto at src/ChannelControl.cpp:")));
+  EXPECT_THAT(log.debug(), testing::Each(parseFailureIn("ChannelControl")));
   EXPECT_EQ(log.debug().size(), 6U);
   EXPECT_THAT(link.sentFrames(), IsEmpty());
 }

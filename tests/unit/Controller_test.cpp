@@ -8,7 +8,6 @@ namespace test {
 namespace {
 
 using testing::Each;
-using testing::StartsWith;
 
 struct ControllerTest : EndpointTest {
   MockControllerCallbacks& host = link.host();
@@ -110,7 +109,7 @@ TEST_F(ControllerTest, AnAudioFocusRequestWithoutARequestIsRefused) {
   for (const char* message : {"00 12", "00 12 10 01", "00 12 08", "00 12 0A 01 01", "00 12 08 09 FF"}) {
     EXPECT_THAT(answerTo(message), ElementsAre(unexpectedMessage())) << message;
   }
-  EXPECT_THAT(log.debug(), Each(StartsWith("[LHU] Failed to parse proto at src/Controller.cpp:")));
+  EXPECT_THAT(log.debug(), Each(parseFailureIn("Controller")));
   EXPECT_EQ(log.debug().size(), 5U);
 }
 
@@ -131,7 +130,7 @@ TEST_F(ControllerTest, AnUnparsableMessageIsLoggedAndAnsweredAsUnexpected) {
   };
   for (const char* message : damaged)
     EXPECT_THAT(answerTo(message), ElementsAre(unexpectedMessage())) << message;
-  EXPECT_THAT(log.debug(), Each(StartsWith("[LHU] Failed to parse proto at src/Controller.cpp:")));
+  EXPECT_THAT(log.debug(), Each(parseFailureIn("Controller")));
   EXPECT_EQ(log.debug().size(), std::size(damaged));
   EXPECT_THAT(log.critical(), Each("[LHU] Sending unexpected message on channel 0"));
   EXPECT_EQ(log.critical().size(), std::size(damaged));

@@ -76,8 +76,7 @@ TEST_F(DamagedStreamTest, AMessageTooShortForItsTypeIsRefusedAndTheLinkLives) {
   EXPECT_EQ(feeds(ATOMIC, bytes("80")), STATUS_SUCCESS);
   EXPECT_EQ(feeds(ATOMIC, {}), STATUS_SUCCESS);
   EXPECT_THAT(link.sent(3), ElementsAre(unexpectedMessage(), unexpectedMessage()));
-  EXPECT_THAT(log.debug(),
-              testing::Each(testing::StartsWith("[LHU] Failed to parse proto at src/MessageRouter.cpp:")));
+  EXPECT_THAT(log.debug(), testing::Each(parseFailureIn("MessageRouter")));
   EXPECT_EQ(log.debug().size(), 2U);
   EXPECT_EQ(feeds(ATOMIC, bytes("80 00")), STATUS_SUCCESS);
   EXPECT_EQ(service.messages.size(), 1U);

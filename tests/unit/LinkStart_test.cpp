@@ -73,7 +73,7 @@ TEST_F(VersionTest, AResponseThatIsTooShortIsRefusedAndTheLinkLives) {
     EXPECT_THAT(link.sent(0), ElementsAre(unexpectedMessage())) << size;
   }
   EXPECT_EQ(log.debug().size(), 5U);
-  EXPECT_THAT(log.debug(), testing::Each(StartsWith("[LHU] Failed to parse proto at src/LinkStart.cpp:")));
+  EXPECT_THAT(log.debug(), testing::Each(parseFailureIn("LinkStart")));
   EXPECT_TRUE(link.channels().isRunning());
 }
 

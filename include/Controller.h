@@ -9,11 +9,12 @@
 #include "VantryExport.h"
 #include "shared_ptr.h"
 
-/// The service that is always there: service 0 on channel 0. It brings the link up (version, TLS, discovery), answers
-/// pings, and carries focus, bye-bye and voice session messages. VantryReceiver owns the one of a link.
+/// The service that is always there: service 0 on channel 0. It brings the link up (version, TLS, discovery),
+/// answers pings, and carries focus, bye-bye and voice session messages. VantryReceiver owns the one of a
+/// link.
 ///
-/// Threads: the setters before the link starts; the send operations on any thread. A send reports nothing and is
-/// dropped while channel 0 is not open.
+/// Threads: the setters before the link starts; the send operations on any thread. A send reports nothing and
+/// is dropped while channel 0 is not open.
 class VANTRY_EXPORT Controller : public ProtocolEndpointBase {
  public:
   explicit Controller(MessageRouter* messageRouter);
@@ -21,8 +22,8 @@ class VANTRY_EXPORT Controller : public ProtocolEndpointBase {
   /// Queues the version request, which begins the link. STATUS_SUCCESS.
   int start();
 
-  /// Before `start`: this head unit's credentials as PEM text, see SslWrapper::init. On false the link must not be
-  /// started.
+  /// Before `start`: this head unit's credentials as PEM text, see SslWrapper::init. On false the link must
+  /// not be started.
   [[nodiscard]] bool setClientCreds(const std::string& rootCertificate, const std::string& clientCertificate,
                                     const std::string& privateKey);
 
@@ -51,8 +52,8 @@ class VANTRY_EXPORT Controller : public ProtocolEndpointBase {
   /// States the navigation focus. An invalid `type` ends the process.
   void setNavigationFocus(NavFocusType type);
 
-  /// Tells the phone that the session ends; IControllerCallbacks::byeByeResponse follows. Nothing stops by itself. An
-  /// invalid `reason` ends the process.
+  /// Tells the phone that the session ends; IControllerCallbacks::byeByeResponse follows. Nothing stops by
+  /// itself. An invalid `reason` ends the process.
   void sendByeByeRequest(ByeByeReason reason);
 
   /// Answers IControllerCallbacks::byeByeRequest.

@@ -15,7 +15,8 @@ enum FrameFlag : unsigned char {
 /// The largest plain payload that goes into one frame; longer messages are cut into fragments of this size.
 constexpr unsigned int MAX_FRAGMENT_PAYLOAD = 16128;
 
-/// One frame in memory, always held by shared_ptr<Frame>. All fragments of an outgoing message share one buffer.
+/// One frame in memory, always held by shared_ptr<Frame>. All fragments of an outgoing message share one
+/// buffer.
 class VANTRY_EXPORT Frame {
  public:
   /// The fragment kind, one of FragInfo: the low two flag bits.

@@ -7,24 +7,25 @@
 
 /// What the host hears of the link itself. The host implements it, and gives it to VantryReceiver::init.
 ///
-/// All operations run on the reader thread, inside VantryReceiver::queueIncoming, except that unrecoverableError can
-/// also come from the writer thread. They may call back into Controller, which is how the host answers, and
-/// Transport::requestStop; they must not call Transport::waitForExit or VantryReceiver::shutdown. The link stands
-/// still while they run. Strings are valid during the call only.
+/// All operations run on the reader thread, inside VantryReceiver::queueIncoming, except that
+/// unrecoverableError can also come from the writer thread. They may call back into Controller, which is how
+/// the host answers, and Transport::requestStop; they must not call Transport::waitForExit or
+/// VantryReceiver::shutdown. The link stands still while they run. Strings are valid during the call only.
 class VANTRY_EXPORT IControllerCallbacks {
  public:
   virtual ~IControllerCallbacks() = default;
 
-  /// The phone asks what the car offers, and tells its icons (encoded images, possibly empty) and display name. The
-  /// answer goes out by itself afterwards.
+  /// The phone asks what the car offers, and tells its icons (encoded images, possibly empty) and display
+  /// name. The answer goes out by itself afterwards.
   virtual void serviceDiscoveryRequest(const std::string& smallIcon, const std::string& mediumIcon,
                                        const std::string& largeIcon, const std::string& labelText) = 0;
 
-  /// The link is beyond repair: a framing error, an encryption failure or a failed authentication. The library does
-  /// not stop its threads: the host is to stop the link. May come more than once.
+  /// The link is beyond repair: a framing error, an encryption failure or a failed authentication. The
+  /// library does not stop its threads: the host is to stop the link. May come more than once.
   virtual void unrecoverableError() = 0;
 
-  /// The phone pings; the library answers by itself right after this call. `timestamp` is the phone's own number.
+  /// The phone pings; the library answers by itself right after this call. `timestamp` is the phone's own
+  /// number.
   virtual void pingRequest(long long timestamp, bool bugReport) = 0;
 
   /// The phone answers a ping with the `timestamp` that the host gave to Controller::sendPingRequest.
@@ -46,7 +47,8 @@ class VANTRY_EXPORT IControllerCallbacks {
   /// from the phone unchecked: it may lie outside the enumeration.
   virtual void audioFocusRequest(AudioFocusRequestType request) = 0;
 
-  /// The handshake has ended with `status`, STATUS_SUCCESS or STATUS_AUTHENTICATION_FAILURE; the phone is told next.
+  /// The handshake has ended with `status`, STATUS_SUCCESS or STATUS_AUTHENTICATION_FAILURE; the phone is
+  /// told next.
   virtual void authenticationCompleted(int status) = 0;
 
   /// The phone has accepted this head unit's protocol version and speaks `major`.`minor` itself.

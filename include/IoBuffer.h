@@ -4,13 +4,14 @@
 
 #include "VantryExport.h"
 
-/// A byte range on the heap whose valid part, `data + start` up to `data + end`, can be narrowed without a copy.
+/// A byte range on the heap whose valid part, `data + start` up to `data + end`, can be narrowed without a
+/// copy.
 ///
 ///     data            data+start            data+end      data+capacity
 ///      |  header, ...  |  content, size()    |  unused     |
 ///
-/// It owns its storage, which comes from malloc and goes back through free, so that code may hand it to C. It has no
-/// lock: one thread at a time. Exhaustion of memory is not survived.
+/// It owns its storage, which comes from malloc and goes back through free, so that code may hand it to C. It
+/// has no lock: one thread at a time. Exhaustion of memory is not survived.
 class VANTRY_EXPORT IoBuffer {
  public:
   /// An empty buffer: all four fields zero, no storage.
@@ -25,8 +26,8 @@ class VANTRY_EXPORT IoBuffer {
   IoBuffer(const IoBuffer&) = delete;
   IoBuffer& operator=(const IoBuffer&) = delete;
 
-  /// Replaces the storage by `size` bytes, all of them content, their values undefined. Old content is lost. Storage
-  /// that has the size already is kept.
+  /// Replaces the storage by `size` bytes, all of them content, their values undefined. Old content is lost.
+  /// Storage that has the size already is kept.
   void resize(unsigned int size);
 
   /// First byte of the content; null in an empty buffer.

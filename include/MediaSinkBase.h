@@ -6,39 +6,43 @@
 #include "Snapshot.h"
 #include "VantryExport.h"
 
-/// What audio and video playback have in common: the phone sends Setup, Start, data and Stop; the head unit answers
-/// Config and acknowledges data at its own pace. VideoSink and AudioSink derive from it; hosts use those.
+/// What audio and video playback have in common: the phone sends Setup, Start, data and Stop; the head unit
+/// answers Config and acknowledges data at its own pace. VideoSink and AudioSink derive from it; hosts use
+/// those.
 ///
 ///     media data message   0     2           10
 ///                          type  timestamp   media bytes
 ///                          00 00 64 bits BE
 ///
-/// Flow control lies between the host and the phone: the library advertises `maxUnacked`, forwards acknowledgements,
-/// counts nothing and holds nothing back. No order among the messages is enforced. Every callback runs on the reader
-/// thread, and no media byte is copied on its way to it.
+/// Flow control lies between the host and the phone: the library advertises `maxUnacked`, forwards
+/// acknowledgements, counts nothing and holds nothing back. No order among the messages is enforced. Every
+/// callback runs on the reader thread, and no media byte is copied on its way to it.
 class VANTRY_EXPORT MediaSinkBase : public ProtocolEndpointBase {
  public:
   MediaSinkBase(int id, MessageRouter* messageRouter);
   ~MediaSinkBase() override;
 
-  /// Before discovery: the codec to advertise, a MediaCodecType (initially MEDIA_CODEC_VIDEO for a VideoSink and
-  /// MEDIA_CODEC_1 for an AudioSink). A number outside that enumeration ends the process at discovery.
+  /// Before discovery: the codec to advertise, a MediaCodecType (initially MEDIA_CODEC_VIDEO for a VideoSink
+  /// and MEDIA_CODEC_1 for an AudioSink). A number outside that enumeration ends the process at discovery.
   void setCodecType(int type) { codecType = type; }
 
-  /// Before the phone's Setup: how many media messages the phone may have unacknowledged at once (initially 1).
+  /// Before the phone's Setup: how many media messages the phone may have unacknowledged at once (initially
+  /// 1).
   void setMaxUnacked(int count) { maxUnacked = count; }
 
-  /// Any thread: acknowledges `count` media messages of `session`, the session id that came with the data. The result
-  /// tells failures only: false if the Ack was queued, and also if no channel is open; true if queueing failed.
+  /// Any thread: acknowledges `count` media messages of `session`, the session id that came with the data.
+  /// The result tells failures only: false if the Ack was queued, and also if no channel is open; true if
+  /// queueing failed.
   bool ackFrames(int session, unsigned int count);
 
-  /// Any thread: narrows what the next Config advertises to the `count` configuration indices at `indices`, in that
-  /// order and with repetitions, copied before the call returns; 0 advertises all again. Sends nothing. Returns
-  /// false, and changes nothing, if an index is out of range or there are more indices than configurations.
+  /// Any thread: narrows what the next Config advertises to the `count` configuration indices at `indices`,
+  /// in that order and with repetitions, copied before the call returns; 0 advertises all again. Sends
+  /// nothing. Returns false, and changes nothing, if an index is out of range or there are more indices than
+  /// configurations.
   bool resetAllowedConfigurations(unsigned int* indices, unsigned int count);
 
-  /// Any thread: advertises the configurations with `status`, a Config_Status; anything else ends the process. Sent
-  /// by itself, as STATUS_READY, in answer to Setup.
+  /// Any thread: advertises the configurations with `status`, a Config_Status; anything else ends the
+  /// process. Sent by itself, as STATUS_READY, in answer to Setup.
   void sendConfig(int status);
 
   int routeMessage(unsigned char channel, unsigned short type, const shared_ptr<IoBuffer>& message) override;

@@ -11,12 +11,12 @@
 class ChannelManager;
 class ProtocolEndpointBase;
 
-/// Knows which service holds which channel, carries out the opening and closing of channels, and gives each whole
-/// message to its endpoint. VantryReceiver owns the one of a link; hosts reach it through
+/// Knows which service holds which channel, carries out the opening and closing of channels, and gives each
+/// whole message to its endpoint. VantryReceiver owns the one of a link; hosts reach it through
 /// VantryReceiver::messageRouter() to construct their endpoints.
 ///
-/// Threads: the send operations and closeChannel on any thread; init and registerService before the link starts;
-/// everything else on the reader thread.
+/// Threads: the send operations and closeChannel on any thread; init and registerService before the link
+/// starts; everything else on the reader thread.
 class VANTRY_EXPORT MessageRouter {
  public:
   MessageRouter() = default;
@@ -32,12 +32,13 @@ class VANTRY_EXPORT MessageRouter {
   /// Gives `channel` to `service`.
   void setupMapping(unsigned char service, unsigned char channel);
 
-  /// Before the link starts. `endpoint` is not owned and must outlive the link. Returns false, and changes nothing,
-  /// if the low 8 bits of its service id are 255 or already taken.
+  /// Before the link starts. `endpoint` is not owned and must outlive the link. Returns false, and changes
+  /// nothing, if the low 8 bits of its service id are 255 or already taken.
   bool registerService(ProtocolEndpointBase* endpoint);
 
-  /// Delivers a whole message of an ordinary frame. Returns the endpoint's status, STATUS_INVALID_CHANNEL for an
-  /// unmapped channel, or, after answering the phone with MESSAGE_UNEXPECTED_MESSAGE, the status of that answer.
+  /// Delivers a whole message of an ordinary frame. Returns the endpoint's status, STATUS_INVALID_CHANNEL for
+  /// an unmapped channel, or, after answering the phone with MESSAGE_UNEXPECTED_MESSAGE, the status of that
+  /// answer.
   int routeMessage(unsigned char channel, const shared_ptr<IoBuffer>& message);
 
   /// Delivers a control frame, whose `length` message bytes are at `message`.
@@ -52,27 +53,27 @@ class VANTRY_EXPORT MessageRouter {
   /// Judges a close notification and, on STATUS_SUCCESS, unmaps the channel.
   int handleChannelCloseNotif(unsigned char channel, const ChannelCloseNotification& notification);
 
-  /// Queues the verdict on `channel`; dropped, with STATUS_INVALID_CHANNEL, where the channel is not registered.
-  /// `status` must be a MessageStatus; anything else ends the process.
+  /// Queues the verdict on `channel`; dropped, with STATUS_INVALID_CHANNEL, where the channel is not
+  /// registered. `status` must be a MessageStatus; anything else ends the process.
   int sendChannelOpenResp(unsigned char channel, int status);
 
   /// Tells the phone that its message on `channel` was not understood.
   int sendUnexpectedMessage(unsigned char channel);
 
-  /// Any thread: the head unit's own way of closing. Notifies the phone and unmaps the channel, so that what still
-  /// arrives on it is dropped; the endpoint is not told and still counts its channel as open. Returns false if the
-  /// channel is not mapped.
+  /// Any thread: the head unit's own way of closing. Notifies the phone and unmaps the channel, so that what
+  /// still arrives on it is dropped; the endpoint is not told and still counts its channel as open. Returns
+  /// false if the channel is not mapped.
   bool closeChannel(unsigned char channel);
 
   /// The 16-bit type in the first two of the bytes at `data`.
   static unsigned short extractType(unsigned char* data);
 
-  /// Replaces `out`'s content by a whole message: the two type bytes and the serialized record. Required fields are
-  /// the sender's duty and are not checked.
+  /// Replaces `out`'s content by a whole message: the two type bytes and the serialized record. Required
+  /// fields are the sender's duty and are not checked.
   static void marshallProto(unsigned short type, const google::protobuf::MessageLite& message, IoBuffer* out);
 
-  /// Any thread: queues a whole message, encrypted once the handshake has succeeded. `data` is copied before the call
-  /// returns. STATUS_INVALID_CHANNEL if the channel is not registered.
+  /// Any thread: queues a whole message, encrypted once the handshake has succeeded. `data` is copied before
+  /// the call returns. STATUS_INVALID_CHANNEL if the channel is not registered.
   int queueOutgoing(unsigned char channel, void* data, unsigned int length);
 
   /// The same, never encrypted.

@@ -9,16 +9,17 @@
 
 class MessageRouter;
 
-/// The base class of every service. A service has a fixed service id; the phone picks a channel number when it opens
-/// the service, and from then on messages of that channel reach `routeMessage`.
+/// The base class of every service. A service has a fixed service id; the phone picks a channel number when
+/// it opens the service, and from then on messages of that channel reach `routeMessage`.
 ///
-/// The host creates an endpoint, registers it before the link starts, and keeps it for at least as long as the link.
-/// All virtual operations run on the reader thread, inside VantryReceiver::queueIncoming, and must return soon: the
-/// next frame waits for them. Sends may come from any thread.
+/// The host creates an endpoint, registers it before the link starts, and keeps it for at least as long as
+/// the link. All virtual operations run on the reader thread, inside VantryReceiver::queueIncoming, and must
+/// return soon: the next frame waits for them. Sends may come from any thread.
 class VANTRY_EXPORT ProtocolEndpointBase {
  public:
-  /// `id`: 0 to 254, of which 0 is the Controller's; only the low 8 bits count. `messageRouter`: that of the link,
-  /// VantryReceiver::messageRouter(); not owned. `raw`: send every message to handleRawMessage, undecoded.
+  /// `id`: 0 to 254, of which 0 is the Controller's; only the low 8 bits count. `messageRouter`: that of the
+  /// link, VantryReceiver::messageRouter(); not owned. `raw`: send every message to handleRawMessage,
+  /// undecoded.
   ProtocolEndpointBase(int id, MessageRouter* messageRouter, bool raw);
   virtual ~ProtocolEndpointBase();
 
@@ -34,9 +35,9 @@ class VANTRY_EXPORT ProtocolEndpointBase {
   /// The channel is open, and the phone's answer is already queued.
   virtual void onChannelOpened(unsigned char channel);
 
-  /// Handles a message of the 16-bit `type`. `message` has the two type bytes as its first content; it is shared and
-  /// may be kept. STATUS_UNEXPECTED_MESSAGE makes the router answer the phone; any other result goes no further.
-  /// Here: STATUS_NO_SUCH_SERVICE.
+  /// Handles a message of the 16-bit `type`. `message` has the two type bytes as its first content; it is
+  /// shared and may be kept. STATUS_UNEXPECTED_MESSAGE makes the router answer the phone; any other result
+  /// goes no further. Here: STATUS_NO_SUCH_SERVICE.
   virtual int routeMessage(unsigned char channel, unsigned short type, const shared_ptr<IoBuffer>& message);
 
   /// The same for a service with `rawMessages`, whose messages need not have a type.

@@ -17,8 +17,8 @@ class VANTRY_EXPORT Semaphore {
   Semaphore(const Semaphore&) = delete;
   Semaphore& operator=(const Semaphore&) = delete;
 
-  /// Any thread; blocks until the count is above 0 and takes one off. Returns false, with nothing taken, when a
-  /// signal interrupted the wait: the caller decides whether to wait again.
+  /// Any thread; blocks until the count is above 0 and takes one off. Returns false, with nothing taken, when
+  /// a signal interrupted the wait: the caller decides whether to wait again.
   [[nodiscard]] bool down() { return sem_wait(&semaphore) == 0; }
 
   /// Any thread. Adds one to the count and wakes one waiter. Returns false if the count would overflow.

@@ -3,8 +3,8 @@
 #include "Mutex.h"
 #include "shared_ptr.h"
 
-/// A value that one thread replaces whole while others read it: each reader gets the value as it was at one moment
-/// and keeps it for as long as it holds the pointer. The lock is held for the copy of a pointer only.
+/// A value that one thread replaces whole while others read it: each reader gets the value as it was at one
+/// moment and keeps it for as long as it holds the pointer. The lock is held for the copy of a pointer only.
 template <class T>
 class Snapshot {
  public:

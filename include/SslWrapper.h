@@ -22,16 +22,17 @@ enum SslWrapperState : int {
   SSL_WRAPPER_FAILED = 4,     ///< the handshake failed outright
 };
 
-/// A TLS 1.2 client without a socket: ciphertext goes in and comes out through memory, so that TLS records can travel
-/// inside frames. The Controller owns the one of a link.
+/// A TLS 1.2 client without a socket: ciphertext goes in and comes out through memory, so that TLS records
+/// can travel inside frames. The Controller owns the one of a link.
 ///
-///     plaintext  -> encryptionPipelineEnqueue -> [sslBio  TLS  writeBio] -> encryptionPipelineDequeue -> ciphertext
-///     ciphertext -> decryptionPipelineEnqueue -> [readBio TLS  sslBio  ] -> decryptionPipelineDequeue -> plaintext
+///     plaintext  -> encryptionPipelineEnqueue -> [sslBio  TLS  writeBio] -> encryptionPipelineDequeue ->
+///     ciphertext ciphertext -> decryptionPipelineEnqueue -> [readBio TLS  sslBio  ] ->
+///     decryptionPipelineDequeue -> plaintext
 ///
-/// Threads: init before the link starts; the handshake on the reader thread; after it the decrypting pipeline on the
-/// reader thread and the encrypting one on the writer thread, at the same time and without a lock; shutdown after
-/// both have ended. A new handshake needs a new wrapper. What the wrapper holds is freed by shutdown and by nothing
-/// else.
+/// Threads: init before the link starts; the handshake on the reader thread; after it the decrypting pipeline
+/// on the reader thread and the encrypting one on the writer thread, at the same time and without a lock;
+/// shutdown after both have ended. A new handshake needs a new wrapper. What the wrapper holds is freed by
+/// shutdown and by nothing else.
 class VANTRY_EXPORT SslWrapper {
  public:
   SslWrapper() = default;
@@ -41,19 +42,19 @@ class VANTRY_EXPORT SslWrapper {
   /// Before `init` or the handshake: certificates are judged as of `time` instead of the system clock.
   void setCertificateVerificationTime(time_t time);
 
-  /// Takes the trust anchor for the phone's certificate and this head unit's own certificate and key, all as PEM
-  /// text, the key without a passphrase; the strings are not needed afterwards. Returns false, with the reason
-  /// logged, on failure: the link must then not be started, and shutdown frees what was allocated.
+  /// Takes the trust anchor for the phone's certificate and this head unit's own certificate and key, all as
+  /// PEM text, the key without a passphrase; the strings are not needed afterwards. Returns false, with the
+  /// reason logged, on failure: the link must then not be started, and shutdown frees what was allocated.
   [[nodiscard]] bool init(const std::string& rootCertificatePem, const std::string& clientCertificatePem,
                           const std::string& privateKeyPem);
 
-  /// Once at most, also after a failed `init`: frees everything and runs OpenSSL's global clean-up. Nothing but
-  /// destruction is allowed afterwards.
+  /// Once at most, also after a failed `init`: frees everything and runs OpenSSL's global clean-up. Nothing
+  /// but destruction is allowed afterwards.
   void shutdown();
 
-  /// Feeds the phone's handshake bytes (`data` null to begin) and takes a step. Returns 1 when the handshake is
-  /// done; a negative number with a whole MESSAGE_SSL_HANDSHAKE in `out` when that is to be sent; anything else is
-  /// a failure, as without a successful `init`.
+  /// Feeds the phone's handshake bytes (`data` null to begin) and takes a step. Returns 1 when the handshake
+  /// is done; a negative number with a whole MESSAGE_SSL_HANDSHAKE in `out` when that is to be sent; anything
+  /// else is a failure, as without a successful `init`.
   int handshake(void* data, unsigned int length, IoBuffer* out);
 
   /// After the handshake: whether the phone's certificate chain leads to the root. No name is compared.
@@ -65,11 +66,12 @@ class VANTRY_EXPORT SslWrapper {
   /// Fetches up to `length` ciphertext bytes. Returns the count, negative on failure.
   int encryptionPipelineDequeue(void* data, unsigned int length);
 
-  /// Takes the ciphertext of one frame; bytes that an earlier frame left over are thrown away first. Returns what
-  /// decryptionPipelinePending does, or below 1 on failure.
+  /// Takes the ciphertext of one frame; bytes that an earlier frame left over are thrown away first. Returns
+  /// what decryptionPipelinePending does, or below 1 on failure.
   int decryptionPipelineEnqueue(void* data, unsigned int length);
 
-  /// Fetches up to `length` plaintext bytes. Returns the count, negative on failure or when a record is incomplete.
+  /// Fetches up to `length` plaintext bytes. Returns the count, negative on failure or when a record is
+  /// incomplete.
   int decryptionPipelineDequeue(void* data, unsigned int length);
 
   /// An upper limit for the plaintext bytes that wait; 0 if there are none.

@@ -4,10 +4,11 @@
 
 #include "VantryExport.h"
 
-/// A POSIX thread with one operation to override. Its owner starts it, asks `run` to end by a flag of the derived
-/// class, joins it, and only then destroys it; those calls are the owner's alone.
+/// A POSIX thread with one operation to override. Its owner starts it, asks `run` to end by a flag of the
+/// derived class, joins it, and only then destroys it; those calls are the owner's alone.
 ///
-/// created -> start -> started -> (run returns) -> finished -> join -> joined, from where `start` is allowed again.
+/// created -> start -> started -> (run returns) -> finished -> join -> joined, from where `start` is allowed
+/// again.
 class VANTRY_EXPORT Thread {
  public:
   Thread() = default;
@@ -31,11 +32,12 @@ class VANTRY_EXPORT Thread {
   /// The thread's identifier; meaningful between a successful `start` and `join`.
   pthread_t id() const { return threadId; }
 
-  /// Lets other threads run; affects the calling thread, whichever object it is called on. sched_yield's result.
+  /// Lets other threads run; affects the calling thread, whichever object it is called on. sched_yield's
+  /// result.
   int yield();
 
-  /// After `start`, any thread. Switches the thread to SCHED_FIFO at `priority`. Returns false, and changes nothing,
-  /// if `priority` is out of range or the process lacks the right.
+  /// After `start`, any thread. Switches the thread to SCHED_FIFO at `priority`. Returns false, and changes
+  /// nothing, if `priority` is out of range or the process lacks the right.
   bool setPriority(int priority);
 
   /// After `start`, any thread. `name` has at most 15 characters and is copied. Returns false if refused.

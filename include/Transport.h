@@ -25,16 +25,16 @@ class VANTRY_EXPORT VantryWriterThread : public Thread {
   Transport* transport = nullptr;
 };
 
-/// Joins a VantryReceiver to a byte stream with two threads. The host derives from it and supplies the medium; the
-/// library knows none.
+/// Joins a VantryReceiver to a byte stream with two threads. The host derives from it and supplies the
+/// medium; the library knows none.
 ///
-/// Start: set the receiver up, construct the transport, `start`, and only then VantryReceiver::start. Stop: anyone
-/// calls `requestStop` (the host, or a thread whose read or write failed); then the host calls `waitForExit` and
-/// VantryReceiver::shutdown, neither of them on the transport's own threads. The derived class's destructor must not
-/// run before `waitForExit` has returned.
+/// Start: set the receiver up, construct the transport, `start`, and only then VantryReceiver::start. Stop:
+/// anyone calls `requestStop` (the host, or a thread whose read or write failed); then the host calls
+/// `waitForExit` and VantryReceiver::shutdown, neither of them on the transport's own threads. The derived
+/// class's destructor must not run before `waitForExit` has returned.
 ///
-/// A failed read or write ends both threads without a call on IControllerCallbacks: the host sees it by its own
-/// abortTransfers being called, and has to treat that as the end of the link.
+/// A failed read or write ends both threads without a call on IControllerCallbacks: the host sees it by its
+/// own abortTransfers being called, and has to treat that as the end of the link.
 class VANTRY_EXPORT Transport {
  public:
   /// `vantryReceiver` is not owned and must outlive this object.
@@ -44,12 +44,12 @@ class VANTRY_EXPORT Transport {
   Transport(const Transport&) = delete;
   Transport& operator=(const Transport&) = delete;
 
-  /// Makes any `read` or `write` that is blocked now return soon, and all later ones too. Any thread, possibly more
-  /// than once and on several threads at once.
+  /// Makes any `read` or `write` that is blocked now return soon, and all later ones too. Any thread,
+  /// possibly more than once and on several threads at once.
   virtual void abortTransfers() = 0;
 
-  /// Reader thread. Reads up to `length` bytes into `data`. Returns the count, which may be smaller; -2 for nothing
-  /// now, call again (at once: do the waiting here); -1 for a fatal error. No other negative number.
+  /// Reader thread. Reads up to `length` bytes into `data`. Returns the count, which may be smaller; -2 for
+  /// nothing now, call again (at once: do the waiting here); -1 for a fatal error. No other negative number.
   virtual int read(void* data, unsigned int length) = 0;
 
   /// Writer thread. Writes up to `length` bytes. Results as those of `read`.

@@ -13,21 +13,22 @@ class VANTRY_EXPORT VideoSink : public MediaSinkBase {
   VideoSink(int id, MessageRouter* messageRouter, const shared_ptr<IVideoSinkCallbacks>& sinkCallbacks);
   ~VideoSink() override;
 
-  /// Before the phone's Setup: whether the phone is told that it has video focus right after Setup has been answered
-  /// (initially false).
+  /// Before the phone's Setup: whether the phone is told that it has video focus right after Setup has been
+  /// answered (initially false).
   void setGrantFocusOnSetup(bool grant) { grantFocusOnSetup = grant; }
 
   /// Before discovery: offers a configuration and returns its index, from 0. `codecResolution` is a
-  /// VideoCodecResolutionType (anything else ends the process); `frameRate` is in frames per second, 60 or, for any
-  /// other number, 30; margins are in pixels; `density` is passed on unchanged.
-  int addSupportedConfiguration(int codecResolution, int frameRate, int widthMargin, int heightMargin, int density);
+  /// VideoCodecResolutionType (anything else ends the process); `frameRate` is in frames per second, 60 or,
+  /// for any other number, 30; margins are in pixels; `density` is passed on unchanged.
+  int addSupportedConfiguration(int codecResolution, int frameRate, int widthMargin, int heightMargin,
+                                int density);
 
-  /// Any thread: tells the phone its video focus; `unsolicited` where it answers no request. Dropped while no channel
-  /// is open. A `focusMode` that is no VideoFocusMode ends the process.
+  /// Any thread: tells the phone its video focus; `unsolicited` where it answers no request. Dropped while no
+  /// channel is open. A `focusMode` that is no VideoFocusMode ends the process.
   void setVideoFocus(int focusMode, bool unsolicited);
 
-  /// Any thread: the size in pixels of `configuration`'s resolution. STATUS_INVALID_CONFIGURATION, with nothing
-  /// written, for an unknown one.
+  /// Any thread: the size in pixels of `configuration`'s resolution. STATUS_INVALID_CONFIGURATION, with
+  /// nothing written, for an unknown one.
   int codecResolutionToPixels(VideoConfiguration const& configuration, int* width, int* height);
 
   void addDiscoveryInfo(ServiceDiscoveryResponse* response) override;

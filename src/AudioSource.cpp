@@ -1,5 +1,6 @@
 #include "AudioSource.h"
 
+#include <climits>
 #include <cstring>
 
 #include "BigEndian.h"
@@ -37,8 +38,7 @@ void AudioSource::addDiscoveryInfo(ServiceDiscoveryResponse* response) {
 
 int AudioSource::routeMessage(unsigned char, unsigned short type, const shared_ptr<IoBuffer>& message) {
   switch (type) {
-    case MESSAGE_ACK:
-      return handleRecord(this, message, &AudioSource::handleAck);
+    case MESSAGE_ACK: return handleRecord(this, message, &AudioSource::handleAck);
     case MESSAGE_MICROPHONE_REQUEST:
       return handleRecord(this, message, &AudioSource::handleMicrophoneRequest);
   }
@@ -72,6 +72,7 @@ void AudioSource::microphoneResponse(int status, int sessionId) {
 
 void AudioSource::send(unsigned long long timestamp, shared_ptr<IoBuffer> const& buffer) {
   const unsigned int length = buffer->size();
+  if (length > UINT_MAX - AUDIO_OFFSET) return;  // no message can be that long
   IoBuffer message(AUDIO_OFFSET + length);
   writeBigEndian16(message.data, MESSAGE_MEDIA_DATA);
   writeBigEndian64(message.data + TIMESTAMP_OFFSET, timestamp);

@@ -9,7 +9,8 @@
 #include "MessageRouter.h"
 #include "ProtocolEndpointBase.h"
 
-int MessageRouter::routeChannelControlMsg(const shared_ptr<Frame>& frame, void* message, unsigned int length) {
+int MessageRouter::routeChannelControlMsg(const shared_ptr<Frame>& frame, void* message,
+                                          unsigned int length) {
   if (!isLongEnough(length, MESSAGE_TYPE_SIZE)) return STATUS_INVALID_CHANNEL;
   const unsigned char channel = frame->channelId;
   auto* const bytes = static_cast<unsigned char*>(message);

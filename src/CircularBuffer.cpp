@@ -25,7 +25,8 @@ unsigned int CircularBuffer::put(void* source, unsigned int length) {
 unsigned int CircularBuffer::get(void* destination, unsigned int length) {
   if (storage == nullptr) return 0;
   const auto size = static_cast<unsigned int>(capacity);
-  const unsigned int count = length < static_cast<unsigned int>(used) ? length : static_cast<unsigned int>(used);
+  const unsigned int count =
+      length < static_cast<unsigned int>(used) ? length : static_cast<unsigned int>(used);
   auto* to = static_cast<unsigned char*>(destination);
 
   unsigned int left = count;
@@ -36,7 +37,8 @@ unsigned int CircularBuffer::get(void* destination, unsigned int length) {
     left -= untilWrap;
     readOffset = 0;
   }
-  // A read up to the very end leaves readOffset at `capacity`; the next wrap's first copy is then of zero bytes.
+  // A read up to the very end leaves readOffset at `capacity`; the next wrap's first copy is then of zero
+  // bytes.
   if (left > 0) take(to, left);
   return count;
 }

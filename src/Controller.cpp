@@ -13,8 +13,8 @@ using google::protobuf::internal::WireFormatLite;
 
 namespace {
 
-/// Reads AudioFocusRequestNotification.request as the number that it is on the wire. The parser sets an unknown value
-/// of an enumeration aside; here the host is to hear of it all the same.
+/// Reads AudioFocusRequestNotification.request as the number that it is on the wire. The parser sets an
+/// unknown value of an enumeration aside; here the host is to hear of it all the same.
 bool readAudioFocusRequest(const void* body, unsigned int size, AudioFocusRequestType* request) {
   AudioFocusRequestNotification notification;
   if (!parseFields(body, size, &notification)) return false;
@@ -23,8 +23,8 @@ bool readAudioFocusRequest(const void* body, unsigned int size, AudioFocusReques
     return true;
   }
   const std::string& setAside = notification.unknown_fields();
-  google::protobuf::io::CodedInputStream fields(reinterpret_cast<const google::protobuf::uint8*>(setAside.data()),
-                                                static_cast<int>(setAside.size()));
+  google::protobuf::io::CodedInputStream fields(
+      reinterpret_cast<const google::protobuf::uint8*>(setAside.data()), static_cast<int>(setAside.size()));
   constexpr google::protobuf::uint32 REQUEST_TAG = AudioFocusRequestNotification::kRequestFieldNumber << 3;
   bool found = false;
   while (const google::protobuf::uint32 tag = fields.ReadTag()) {
@@ -51,15 +51,19 @@ void Controller::unrecoverableError() {
 
 int Controller::routeMessage(unsigned char, unsigned short type, const shared_ptr<IoBuffer>& message) {
   switch (type) {
-    case MESSAGE_VERSION_RESPONSE: return handleVersionResponse(messageBody(message), messageBodySize(message));
+    case MESSAGE_VERSION_RESPONSE:
+      return handleVersionResponse(messageBody(message), messageBodySize(message));
     case MESSAGE_SSL_HANDSHAKE: return handleHandshake(messageBody(message), messageBodySize(message));
-    case MESSAGE_SERVICE_DISCOVERY_REQUEST: return handleRecord(this, message, &Controller::handleServiceDiscoveryRequest);
+    case MESSAGE_SERVICE_DISCOVERY_REQUEST:
+      return handleRecord(this, message, &Controller::handleServiceDiscoveryRequest);
     case MESSAGE_PING_REQUEST: return handleRecord(this, message, &Controller::handlePingRequest);
     case MESSAGE_PING_RESPONSE: return handleRecord(this, message, &Controller::handlePingResponse);
-    case MESSAGE_NAV_FOCUS_REQUEST_NOTIFICATION: return handleRecord(this, message, &Controller::handleNavFocusRequest);
+    case MESSAGE_NAV_FOCUS_REQUEST_NOTIFICATION:
+      return handleRecord(this, message, &Controller::handleNavFocusRequest);
     case MESSAGE_BYE_BYE_REQUEST: return handleRecord(this, message, &Controller::handleByeByeRequest);
     case MESSAGE_BYE_BYE_RESPONSE: return handleRecord(this, message, &Controller::handleByeByeResponse);
-    case MESSAGE_VOICE_SESSION_NOTIFICATION: return handleRecord(this, message, &Controller::handleVoiceSession);
+    case MESSAGE_VOICE_SESSION_NOTIFICATION:
+      return handleRecord(this, message, &Controller::handleVoiceSession);
     case MESSAGE_AUDIO_FOCUS_REQUEST_NOTIFICATION: return handleAudioFocusRequest(message);
   }
   return STATUS_UNEXPECTED_MESSAGE;

@@ -46,7 +46,8 @@ int Controller::handleVersionResponse(void* data, unsigned int length) {
   const auto* const body = static_cast<const unsigned char*>(data);
   const unsigned short major = readBigEndian16(body);
   const unsigned short minor = readBigEndian16(body + 2);
-  print_critical_i("[LHU] handleVersionResponse() :: Phone reported version major=%hu minor=%hu", major, minor);
+  print_critical_i("[LHU] handleVersionResponse() :: Phone reported version major=%hu minor=%hu", major,
+                   minor);
   versionAccepted = body[4] == VERSION_ACCEPTED;  // the phone decides; no numbers are compared here
   if (!versionAccepted) return STATUS_SUCCESS;
   callbacks->versionResponse(major, minor);

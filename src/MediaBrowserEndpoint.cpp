@@ -25,14 +25,11 @@ MediaBrowserEndpoint::~MediaBrowserEndpoint() = default;
 int MediaBrowserEndpoint::routeMessage(unsigned char, unsigned short type,
                                        const shared_ptr<IoBuffer>& message) {
   switch (type) {
-    case MESSAGE_MEDIA_ROOT_NODE:
-      return handleRecord(this, message, &MediaBrowserEndpoint::handleRootNode);
+    case MESSAGE_MEDIA_ROOT_NODE: return handleRecord(this, message, &MediaBrowserEndpoint::handleRootNode);
     case MESSAGE_MEDIA_SOURCE_NODE:
       return handleRecord(this, message, &MediaBrowserEndpoint::handleSourceNode);
-    case MESSAGE_MEDIA_LIST_NODE:
-      return handleRecord(this, message, &MediaBrowserEndpoint::handleListNode);
-    case MESSAGE_MEDIA_SONG_NODE:
-      return handleRecord(this, message, &MediaBrowserEndpoint::handleSongNode);
+    case MESSAGE_MEDIA_LIST_NODE: return handleRecord(this, message, &MediaBrowserEndpoint::handleListNode);
+    case MESSAGE_MEDIA_SONG_NODE: return handleRecord(this, message, &MediaBrowserEndpoint::handleSongNode);
   }
   return STATUS_UNEXPECTED_MESSAGE;
 }

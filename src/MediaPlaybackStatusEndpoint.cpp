@@ -13,8 +13,7 @@ int MediaPlaybackStatusEndpoint::routeMessage(unsigned char, unsigned short type
                                               const shared_ptr<IoBuffer>& message) {
   using Self = MediaPlaybackStatusEndpoint;
   switch (type) {
-    case MESSAGE_MEDIA_PLAYBACK_STATUS:
-      return handleRecord(this, message, &Self::handleMediaPlaybackStatus);
+    case MESSAGE_MEDIA_PLAYBACK_STATUS: return handleRecord(this, message, &Self::handleMediaPlaybackStatus);
     case MESSAGE_MEDIA_PLAYBACK_METADATA:
       return handleRecord(this, message, &Self::handleMediaPlaybackMetadata);
   }

@@ -11,7 +11,8 @@ constexpr unsigned int MEDIA_OFFSET = TIMESTAMP_OFFSET + 8;
 
 }  // namespace
 
-MediaSinkBase::MediaSinkBase(int id, MessageRouter* messageRouter) : ProtocolEndpointBase(id, messageRouter, false) {}
+MediaSinkBase::MediaSinkBase(int id, MessageRouter* messageRouter)
+    : ProtocolEndpointBase(id, messageRouter, false) {}
 
 MediaSinkBase::~MediaSinkBase() = default;
 

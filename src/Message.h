@@ -6,7 +6,8 @@
 #include "shared_ptr.h"
 
 // A message is two type bytes and a body, which is a serialized record or, for a few types, raw bytes. These
-// operations read one; a message too short for what is to be read is refused like a record that does not parse.
+// operations read one; a message too short for what is to be read is refused like a record that does not
+// parse.
 
 /// Bytes of the message's type.
 constexpr unsigned int MESSAGE_TYPE_SIZE = 2;
@@ -30,19 +31,20 @@ void logParseFailure(const char* file, int line);
 /// The same; false also if a required field is missing, at any depth.
 [[nodiscard]] bool parseRecord(const void* body, unsigned int size, google::protobuf::MessageLite* record);
 
-/// Whether `size`, which counts the type in, is at least `least`; logs with the caller's file and line if not.
-[[nodiscard]] inline bool isLongEnough(unsigned int size, unsigned int least, const char* file = __builtin_FILE(),
-                                       int line = __builtin_LINE()) {
+/// Whether `size`, which counts the type in, is at least `least`; logs with the caller's file and line if
+/// not.
+[[nodiscard]] inline bool isLongEnough(unsigned int size, unsigned int least,
+                                       const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
   if (size >= least) return true;
   logParseFailure(file, line);
   return false;
 }
 
-/// Reads the record in `size` body bytes. On false it has logged, with the caller's file and line. The record keeps
-/// no fields that the schema does not know, nor does any record inside it.
+/// Reads the record in `size` body bytes. On false it has logged, with the caller's file and line. The record
+/// keeps no fields that the schema does not know, nor does any record inside it.
 template <class Record>
-[[nodiscard]] bool readRecord(const void* body, unsigned int size, Record* record, const char* file = __builtin_FILE(),
-                              int line = __builtin_LINE()) {
+[[nodiscard]] bool readRecord(const void* body, unsigned int size, Record* record,
+                              const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
   const bool parsed = parseRecord(body, size, record);
   if (parsed) {
     forgetUnknownFields(record);
@@ -59,8 +61,8 @@ template <class Record>
   return readRecord(messageBody(message), messageBodySize(message), record, file, line);
 }
 
-/// Reads the record behind the message's type and gives it to `handler`, whose status it returns; without a record
-/// STATUS_UNEXPECTED_MESSAGE. A line of an endpoint's message table.
+/// Reads the record behind the message's type and gives it to `handler`, whose status it returns; without a
+/// record STATUS_UNEXPECTED_MESSAGE. A line of an endpoint's message table.
 template <class Endpoint, class Record>
 [[nodiscard]] int handleRecord(Endpoint* endpoint, const shared_ptr<IoBuffer>& message,
                                int (Endpoint::*handler)(const Record&), const char* file = __builtin_FILE(),

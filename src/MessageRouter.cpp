@@ -19,7 +19,9 @@ bool MessageRouter::init(ChannelManager* manager) {
 
 void MessageRouter::shutdown() { channelManager = nullptr; }
 
-void MessageRouter::setupMapping(unsigned char service, unsigned char channel) { channelToService[channel] = service; }
+void MessageRouter::setupMapping(unsigned char service, unsigned char channel) {
+  channelToService[channel] = service;
+}
 
 bool MessageRouter::registerService(ProtocolEndpointBase* endpoint) {
   const auto id = static_cast<unsigned char>(endpoint->serviceId);
@@ -34,7 +36,8 @@ ProtocolEndpointBase* MessageRouter::endpointOf(unsigned char service) const {
 
 unsigned short MessageRouter::extractType(unsigned char* data) { return readBigEndian16(data); }
 
-void MessageRouter::marshallProto(unsigned short type, const google::protobuf::MessageLite& message, IoBuffer* out) {
+void MessageRouter::marshallProto(unsigned short type, const google::protobuf::MessageLite& message,
+                                  IoBuffer* out) {
   const auto size = static_cast<unsigned int>(message.ByteSizeLong());
   out->resize(size + MESSAGE_TYPE_SIZE);
   writeBigEndian16(out->data, type);
@@ -71,7 +74,8 @@ int MessageRouter::queueOutgoing(unsigned char channel, void* data, unsigned int
 
 int MessageRouter::queueOutgoingUnencrypted(unsigned char channel, void* data, unsigned int length) {
   ChannelManager* const target = channelManager;
-  return target == nullptr ? STATUS_INVALID_CHANNEL : target->queueOutgoingUnencrypted(channel, false, data, length);
+  return target == nullptr ? STATUS_INVALID_CHANNEL
+                           : target->queueOutgoingUnencrypted(channel, false, data, length);
 }
 
 void MessageRouter::populateServiceDiscoveryResponse(ServiceDiscoveryResponse* response) {

@@ -21,8 +21,7 @@ int NavigationStatusEndpoint::routeMessage(unsigned char, unsigned short type,
                                            const shared_ptr<IoBuffer>& message) {
   using Self = NavigationStatusEndpoint;
   switch (type) {
-    case MESSAGE_NAVIGATION_STATUS:
-      return handleRecord(this, message, &Self::handleNavigationStatus);
+    case MESSAGE_NAVIGATION_STATUS: return handleRecord(this, message, &Self::handleNavigationStatus);
     case MESSAGE_NAVIGATION_NEXT_TURN_EVENT:
       return handleRecord(this, message, &Self::handleNavigationNextTurnEvent);
     case MESSAGE_NAVIGATION_NEXT_TURN_DISTANCE_EVENT:

@@ -12,14 +12,10 @@ int NotificationEndpoint::routeMessage(unsigned char, unsigned short type,
                                        const shared_ptr<IoBuffer>& message) {
   using Self = NotificationEndpoint;
   switch (type) {
-    case MESSAGE_GENERIC_NOTIFICATION_SUBSCRIBE:
-      return handleSubscription(true);  // whatever the body holds
-    case MESSAGE_GENERIC_NOTIFICATION_UNSUBSCRIBE:
-      return handleSubscription(false);
-    case MESSAGE_GENERIC_NOTIFICATION_MESSAGE:
-      return handleRecord(this, message, &Self::handleNotification);
-    case MESSAGE_GENERIC_NOTIFICATION_ACK:
-      return handleRecord(this, message, &Self::handleNotificationAck);
+    case MESSAGE_GENERIC_NOTIFICATION_SUBSCRIBE: return handleSubscription(true);  // whatever the body holds
+    case MESSAGE_GENERIC_NOTIFICATION_UNSUBSCRIBE: return handleSubscription(false);
+    case MESSAGE_GENERIC_NOTIFICATION_MESSAGE: return handleRecord(this, message, &Self::handleNotification);
+    case MESSAGE_GENERIC_NOTIFICATION_ACK: return handleRecord(this, message, &Self::handleNotificationAck);
   }
   return STATUS_UNEXPECTED_MESSAGE;
 }

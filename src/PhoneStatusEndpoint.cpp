@@ -25,8 +25,7 @@ PhoneStatusEndpoint::~PhoneStatusEndpoint() = default;
 int PhoneStatusEndpoint::routeMessage(unsigned char, unsigned short type,
                                       const shared_ptr<IoBuffer>& message) {
   switch (type) {
-    case MESSAGE_PHONE_STATUS:
-      return handleRecord(this, message, &PhoneStatusEndpoint::handlePhoneStatus);
+    case MESSAGE_PHONE_STATUS: return handleRecord(this, message, &PhoneStatusEndpoint::handlePhoneStatus);
   }
   return STATUS_UNEXPECTED_MESSAGE;
 }

@@ -17,8 +17,7 @@ RadioEndpoint::~RadioEndpoint() = default;
 
 int RadioEndpoint::routeMessage(unsigned char, unsigned short type, const shared_ptr<IoBuffer>& message) {
   switch (type) {
-    case MESSAGE_RADIO_SCAN_REQUEST:
-      return handleRecord(this, message, &RadioEndpoint::handleScanRequest);
+    case MESSAGE_RADIO_SCAN_REQUEST: return handleRecord(this, message, &RadioEndpoint::handleScanRequest);
     case MESSAGE_RADIO_STATION_INFO_REQUEST: {
       RadioStationInfoRequest request;
       return readRecord(message, &request) ? handleRadioStationInfoRequest() : STATUS_UNEXPECTED_MESSAGE;

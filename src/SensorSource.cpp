@@ -40,8 +40,7 @@ void SensorSource::addDiscoveryInfo(ServiceDiscoveryResponse* response) {
 
 int SensorSource::routeMessage(unsigned char, unsigned short type, const shared_ptr<IoBuffer>& message) {
   switch (type) {
-    case MESSAGE_SENSOR_REQUEST:
-      return handleRecord(this, message, &SensorSource::handleSensorRequest);
+    case MESSAGE_SENSOR_REQUEST: return handleRecord(this, message, &SensorSource::handleSensorRequest);
   }
   return STATUS_UNEXPECTED_MESSAGE;
 }

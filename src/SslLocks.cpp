@@ -10,8 +10,8 @@ namespace {
 
 Mutex* sslMutexes;
 
-// Before any other code runs, constructors of other files included. Never freed: OpenSSL may still be at work on some
-// thread while the process ends.
+// Before any other code runs, constructors of other files included. Never freed: OpenSSL may still be at work
+// on some thread while the process ends.
 __attribute__((constructor(101))) void createLocks() {
   sslMutexes = new Mutex[CRYPTO_num_locks()];
   opensslConfigurationLock = new Mutex();

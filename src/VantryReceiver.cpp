@@ -22,7 +22,9 @@ int VantryReceiver::init(const shared_ptr<IControllerCallbacks>& callbacks) {
   return channelsReady | routerReady | registered;  // any one step is enough
 }
 
-bool VantryReceiver::registerService(ProtocolEndpointBase* endpoint) { return router.registerService(endpoint); }
+bool VantryReceiver::registerService(ProtocolEndpointBase* endpoint) {
+  return router.registerService(endpoint);
+}
 
 int VantryReceiver::start() { return controller_.start(); }
 
@@ -41,7 +43,9 @@ int VantryReceiver::queueIncoming(void* data, unsigned int length) {
   return channelManager.queueIncoming(frame);
 }
 
-int VantryReceiver::queueIncoming(const shared_ptr<IoBuffer>& frame) { return channelManager.queueIncoming(frame); }
+int VantryReceiver::queueIncoming(const shared_ptr<IoBuffer>& frame) {
+  return channelManager.queueIncoming(frame);
+}
 
 shared_ptr<IoBuffer> VantryReceiver::allocateBuffer(unsigned int size) {
   return shared_ptr<IoBuffer>(new IoBuffer(size));

@@ -33,14 +33,10 @@ int VantryVerificationVendorExtensionCallbackRouter::dataAvailable(unsigned char
   if (!isLongEnough(length, MESSAGE_TYPE_SIZE)) return STATUS_UNEXPECTED_MESSAGE;
   const Delivery deliver{callbacks.get(), data + MESSAGE_TYPE_SIZE, length - MESSAGE_TYPE_SIZE};
   switch (MessageRouter::extractType(data)) {
-    case MESSAGE_VANTRY_VERIFICATION_SET_SENSOR:
-      return deliver.to(&Harness::onSetSensor);
-    case MESSAGE_VANTRY_VERIFICATION_VIDEO_FOCUS:
-      return deliver.to(&Harness::onVideoFocus);
-    case MESSAGE_VANTRY_VERIFICATION_AUDIO_FOCUS:
-      return deliver.to(&Harness::onAudioFocus);
-    case MESSAGE_VANTRY_VERIFICATION_INJECT_INPUT:
-      return deliver.to(&Harness::onInjectInput);
+    case MESSAGE_VANTRY_VERIFICATION_SET_SENSOR: return deliver.to(&Harness::onSetSensor);
+    case MESSAGE_VANTRY_VERIFICATION_VIDEO_FOCUS: return deliver.to(&Harness::onVideoFocus);
+    case MESSAGE_VANTRY_VERIFICATION_AUDIO_FOCUS: return deliver.to(&Harness::onAudioFocus);
+    case MESSAGE_VANTRY_VERIFICATION_INJECT_INPUT: return deliver.to(&Harness::onInjectInput);
     case MESSAGE_VANTRY_VERIFICATION_SCREEN_CAPTURE_REQUEST:
       return deliver.to(&Harness::onScreenCaptureRequest);
     case MESSAGE_VANTRY_VERIFICATION_DISPLAY_INFORMATION_REQUEST:

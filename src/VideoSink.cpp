@@ -1,14 +1,15 @@
 #include "VideoSink.h"
 
-VideoSink::VideoSink(int id, MessageRouter* messageRouter, const shared_ptr<IVideoSinkCallbacks>& sinkCallbacks)
+VideoSink::VideoSink(int id, MessageRouter* messageRouter,
+                     const shared_ptr<IVideoSinkCallbacks>& sinkCallbacks)
     : MediaSinkBase(id, messageRouter), callbacks(sinkCallbacks) {
   codecType = MEDIA_CODEC_VIDEO;
 }
 
 VideoSink::~VideoSink() = default;
 
-int VideoSink::addSupportedConfiguration(int codecResolution, int frameRate, int widthMargin, int heightMargin,
-                                         int density) {
+int VideoSink::addSupportedConfiguration(int codecResolution, int frameRate, int widthMargin,
+                                         int heightMargin, int density) {
   const shared_ptr<VideoConfiguration> configuration(new VideoConfiguration());
   configuration->set_codec_resolution(static_cast<VideoCodecResolutionType>(codecResolution));
   configuration->set_frame_rate(frameRate == 60 ? VIDEO_FPS_60 : VIDEO_FPS_30);
@@ -19,7 +20,9 @@ int VideoSink::addSupportedConfiguration(int codecResolution, int frameRate, int
   return static_cast<int>(videoConfigurations.size()) - 1;
 }
 
-unsigned int VideoSink::getNumberOfConfigurations() { return static_cast<unsigned int>(videoConfigurations.size()); }
+unsigned int VideoSink::getNumberOfConfigurations() {
+  return static_cast<unsigned int>(videoConfigurations.size());
+}
 
 int VideoSink::codecResolutionToPixels(VideoConfiguration const& configuration, int* width, int* height) {
   switch (configuration.codec_resolution()) {

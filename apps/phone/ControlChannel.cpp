@@ -17,41 +17,29 @@ std::string typeWords(const Message& message) {
 
 void PhoneLink::takeControlMessage(const Message& message) {
   switch (message.type()) {
-    case MESSAGE_VERSION_REQUEST:
-      return onVersionRequest(message);
-    case MESSAGE_SSL_HANDSHAKE:
-      return onHandshake(message);
-    case MESSAGE_AUTH_RESPONSE:
-      return onAuthResponse(message);
-    case MESSAGE_SERVICE_DISCOVERY_RESPONSE:
-      return onServiceDiscoveryResponse(message);
-    case MESSAGE_PING_REQUEST:
-      return onPingRequest(message);
-    case MESSAGE_BYE_BYE_REQUEST:
-      return onByeByeRequest(message);
-    case MESSAGE_BYE_BYE_RESPONSE:
-      return onByeByeResponse(message);
+    case MESSAGE_VERSION_REQUEST: return onVersionRequest(message);
+    case MESSAGE_SSL_HANDSHAKE: return onHandshake(message);
+    case MESSAGE_AUTH_RESPONSE: return onAuthResponse(message);
+    case MESSAGE_SERVICE_DISCOVERY_RESPONSE: return onServiceDiscoveryResponse(message);
+    case MESSAGE_PING_REQUEST: return onPingRequest(message);
+    case MESSAGE_BYE_BYE_REQUEST: return onByeByeRequest(message);
+    case MESSAGE_BYE_BYE_RESPONSE: return onByeByeResponse(message);
     case MESSAGE_FRAMING_ERROR:
       return fail(Side::headUnit, "reports a framing error",
                   "what this phone last sent broke the rules of frames");
     case MESSAGE_PING_RESPONSE:
     case MESSAGE_NAV_FOCUS_NOTIFICATION:
     case MESSAGE_AUDIO_FOCUS_NOTIFICATION:
-    case MESSAGE_UNEXPECTED_MESSAGE:
-      return;  // For handlers and observers.
-    default:
-      return violation("a " + typeWords(message) + " is not for a phone");
+    case MESSAGE_UNEXPECTED_MESSAGE: return;  // For handlers and observers.
+    default: return violation("a " + typeWords(message) + " is not for a phone");
   }
 }
 
 void PhoneLink::takeChannelControl(const Message& message) {
   switch (message.type()) {
-    case MESSAGE_CHANNEL_OPEN_RESPONSE:
-      return onChannelOpenResponse(message);
-    case MESSAGE_CHANNEL_CLOSE_NOTIFICATION:
-      return onChannelCloseNotification(message);
-    default:
-      return violation("a control frame carries a " + typeWords(message));
+    case MESSAGE_CHANNEL_OPEN_RESPONSE: return onChannelOpenResponse(message);
+    case MESSAGE_CHANNEL_CLOSE_NOTIFICATION: return onChannelCloseNotification(message);
+    default: return violation("a control frame carries a " + typeWords(message));
   }
 }
 

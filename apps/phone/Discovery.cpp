@@ -4,12 +4,9 @@ namespace phone {
 
 PictureSize sizeOf(VideoCodecResolutionType resolution) {
   switch (resolution) {
-    case VIDEO_800x480:
-      return {800, 480};
-    case VIDEO_1280x720:
-      return {1280, 720};
-    case VIDEO_1920x1080:
-      return {1920, 1080};
+    case VIDEO_800x480: return {800, 480};
+    case VIDEO_1280x720: return {1280, 720};
+    case VIDEO_1920x1080: return {1920, 1080};
   }
   return {};
 }
@@ -64,14 +61,10 @@ const Service* findInput(const ServiceDiscoveryResponse& services) {
 
 const char* nameOf(AudioStreamType type) {
   switch (type) {
-    case AUDIO_STREAM_GUIDANCE:
-      return "guidance";
-    case AUDIO_STREAM_SYSTEM_AUDIO:
-      return "system";
-    case AUDIO_STREAM_MEDIA:
-      return "media";
-    case AUDIO_STREAM_TELEPHONY:
-      return "telephony";
+    case AUDIO_STREAM_GUIDANCE: return "guidance";
+    case AUDIO_STREAM_SYSTEM_AUDIO: return "system";
+    case AUDIO_STREAM_MEDIA: return "media";
+    case AUDIO_STREAM_TELEPHONY: return "telephony";
   }
   return "unknown";
 }

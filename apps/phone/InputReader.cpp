@@ -23,12 +23,9 @@ void InputReader::onOpened() {
 
 void InputReader::onMessage(const Message& message) {
   switch (message.type()) {
-    case MESSAGE_KEY_BINDING_RESPONSE:
-      return onBindingResponse(message);
-    case MESSAGE_INPUT_REPORT:
-      return onReport(message);
-    default:
-      return;
+    case MESSAGE_KEY_BINDING_RESPONSE: return onBindingResponse(message);
+    case MESSAGE_INPUT_REPORT: return onReport(message);
+    default: return;
   }
 }
 

@@ -53,15 +53,12 @@ void MediaStream::onRefused(MessageStatus status) {
 void MediaStream::onMessage(const Message& message) {
   if (isOver()) return;
   switch (message.type()) {
-    case MESSAGE_CONFIG:
-      return onConfig(message);
-    case MESSAGE_ACK:
-      return onAck(message);
+    case MESSAGE_CONFIG: return onConfig(message);
+    case MESSAGE_ACK: return onAck(message);
     case MESSAGE_UNEXPECTED_MESSAGE:
       return fail("does not accept a message of the stream",
                   "the service that was opened may be another than its list says");
-    default:
-      return;
+    default: return;
   }
 }
 
@@ -148,13 +145,9 @@ bool MediaStream::fetch() {
   if (due && waitsUntil(*due)) return false;
   MediaUnit unit;
   switch (feed_->next(&unit)) {
-    case MediaFeed::Pull::unit:
-      next_ = std::move(unit);
-      return true;
-    case MediaFeed::Pull::later:
-      return false;
-    case MediaFeed::Pull::end:
-      break;
+    case MediaFeed::Pull::unit: next_ = std::move(unit); return true;
+    case MediaFeed::Pull::later: return false;
+    case MediaFeed::Pull::end: break;
   }
   return drain();
 }

@@ -43,15 +43,12 @@ void Microphone::close() {
 
 void Microphone::onMessage(const Message& message) {
   switch (message.type()) {
-    case MESSAGE_MICROPHONE_RESPONSE:
-      return onResponse(message);
-    case MESSAGE_MEDIA_DATA:
-      return onSound(message);
+    case MESSAGE_MICROPHONE_RESPONSE: return onResponse(message);
+    case MESSAGE_MEDIA_DATA: return onSound(message);
     case MESSAGE_UNEXPECTED_MESSAGE:
       return fail(Side::headUnit, "does not accept a message to its microphone",
                   "the service that was opened may be another than its list says");
-    default:
-      return;
+    default: return;
   }
 }
 

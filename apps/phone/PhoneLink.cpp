@@ -115,10 +115,8 @@ void PhoneLink::takeFragment(const Frame& frame, bool wasEncrypted) {
   }
   const char* advice = "its fragmentation is broken";
   switch (reassembler_.add(frame, &message)) {
-    case Reassembler::Verdict::incomplete:
-      return;
-    case Reassembler::Verdict::complete:
-      return takeMessage(std::move(message));
+    case Reassembler::Verdict::incomplete: return;
+    case Reassembler::Verdict::complete: return takeMessage(std::move(message));
     case Reassembler::Verdict::tooShort:
       violation("the fragments of a message" + where + " add up to less than it announced");
       return takeMessage(std::move(message));

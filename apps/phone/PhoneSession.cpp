@@ -49,12 +49,8 @@ LinkEnd PhoneSession::outcome() const {
 
 void PhoneSession::onState(LinkState state) {
   switch (state) {
-    case LinkState::handshaking:
-      handshakeBegan_ = timers_->now();
-      break;
-    case LinkState::discovering:
-      handshakeTime_ = timers_->now() - handshakeBegan_;
-      break;
+    case LinkState::handshaking: handshakeBegan_ = timers_->now(); break;
+    case LinkState::discovering: handshakeTime_ = timers_->now() - handshakeBegan_; break;
     case LinkState::up:
       cancelLimit();
       watch();
@@ -67,8 +63,7 @@ void PhoneSession::onState(LinkState state) {
       cancelLimit();
       if (watch_) timers_->cancel(*watch_);
       break;
-    default:
-      break;
+    default: break;
   }
 }
 

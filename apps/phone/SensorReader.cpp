@@ -44,12 +44,9 @@ void SensorReader::onOpened() {
 
 void SensorReader::onMessage(const Message& message) {
   switch (message.type()) {
-    case MESSAGE_SENSOR_RESPONSE:
-      return onResponse(message);
-    case MESSAGE_SENSOR_BATCH:
-      return onBatch(message);
-    default:
-      return;
+    case MESSAGE_SENSOR_RESPONSE: return onResponse(message);
+    case MESSAGE_SENSOR_BATCH: return onBatch(message);
+    default: return;
   }
 }
 

@@ -75,9 +75,13 @@ TEST(WholeLink, carriesPingsAndFocusBesideAStream) {
   link.receiver().controller().sendPingRequest(43, false);
   link.receiver().controller().setAudioFocus(AUDIO_FOCUS_STATE_1, false);
   ASSERT_TRUE(link.pumpUntil([&] {
-    return !link.phone().received(0, MESSAGE_PING_RESPONSE).empty() &&
-           !link.phone().received(0, MESSAGE_AUDIO_FOCUS_NOTIFICATION).empty() && link.host().has("pong 43");
-  }) || link.host().has("pong 43"));
+    return !link.phone().received(0, MESSAGE_PING_REQUEST).empty() &&
+           !link.phone().received(0, MESSAGE_AUDIO_FOCUS_NOTIFICATION).empty();
+  }));
+  // What the head unit answers to a later ping, it answers after it has taken the phone's answer.
+  link.phone().sendPing(44);
+  ASSERT_TRUE(link.pumpUntil([&] { return link.phone().received(0, MESSAGE_PING_RESPONSE).size() == 2; }));
+  EXPECT_TRUE(link.host().has("pong 43"));
   EXPECT_TRUE(link.host().has("ping 42"));
   EXPECT_EQ(Bytes(link.phone().received(0, MESSAGE_PING_RESPONSE).at(0).bytes), bytes("00 0C 08 2A"));
 }

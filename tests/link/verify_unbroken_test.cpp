@@ -13,7 +13,6 @@ namespace {
 using phone::verify::Outcome;
 using phone::verify::Result;
 
-
 std::string complaints(const phone::verify::Run& run) {
   std::string text;
   for (const Result& result : run.results) {

@@ -1,4 +1,5 @@
-// Runs the README's host as far as it goes without credentials: it builds a receiver and refuses to start the link.
+// Runs the README's host as far as it goes without credentials: it builds a receiver and refuses to start the
+// link.
 
 #include "host.h"
 

@@ -19,7 +19,8 @@ phone::Bytes bodyOf(const phone::Frame& frame) { return {frame.payload.begin() +
 
 phone::Bytes plainMessage(int type, const phone::Bytes& body) {
   phone::Bytes wire;
-  for (const phone::Frame& frame : phone::cutMessage(0, phone::messageBytes(static_cast<std::uint16_t>(type), body), 0)) {
+  for (const phone::Frame& frame :
+       phone::cutMessage(0, phone::messageBytes(static_cast<std::uint16_t>(type), body), 0)) {
     phone::append(&wire, phone::encodeFrame(frame));
   }
   return wire;
@@ -34,11 +35,15 @@ struct TamperingRelay::Ends {
   phone::Bytes phoneFlight;   ///< Taken when the head unit speaks next.
 };
 
-TamperingRelay::TamperingRelay(const phone::LinkOptions& options, bool showsCertificate, Tamper toPhone, Tamper toHeadUnit)
-    : toPhone_(toPhone ? std::move(toPhone) : unchanged), toHeadUnit_(toHeadUnit ? std::move(toHeadUnit) : unchanged) {
+TamperingRelay::TamperingRelay(const phone::LinkOptions& options, bool showsCertificate, Tamper toPhone,
+                               Tamper toHeadUnit)
+    : toPhone_(toPhone ? std::move(toPhone) : unchanged),
+      toHeadUnit_(toHeadUnit ? std::move(toHeadUnit) : unchanged) {
   std::string error;
   ends_.reset(new Ends{phone::TlsServer::create(options.credentials, options.tls, &error),
-                       TlsClient(showsCertificate ? credentials().headUnit : Identity{}), {}, {}});
+                       TlsClient(showsCertificate ? credentials().headUnit : Identity{}),
+                       {},
+                       {}});
   if (!ends_->towardsHeadUnit) throw std::invalid_argument(error);
 }
 
@@ -69,7 +74,8 @@ phone::Bytes TamperingRelay::fromHeadUnit(const phone::Bytes& wireFrame) {
 phone::Bytes TamperingRelay::handshakeForPhone(const phone::Frame& frame) {
   const phone::Bytes body = bodyOf(frame);
   ends_->towardsHeadUnit->handshake(body.data(), body.size(), &ends_->serverFlight);
-  return plainMessage(MESSAGE_SSL_HANDSHAKE, ends_->towardsPhone.handshake(std::exchange(ends_->phoneFlight, {})));
+  return plainMessage(MESSAGE_SSL_HANDSHAKE,
+                      ends_->towardsPhone.handshake(std::exchange(ends_->phoneFlight, {})));
 }
 
 phone::Bytes TamperingRelay::handshakeForHeadUnit(const phone::Frame& frame) {

@@ -8,7 +8,8 @@ namespace {
 
 class MemoryLink : public phone::verify::LinkUnderTest {
  public:
-  MemoryLink(const phone::LinkOptions& options, const HeadUnitFaults& faults) : link_(options), host_(faults) {
+  MemoryLink(const phone::LinkOptions& options, const HeadUnitFaults& faults)
+      : link_(options), host_(faults) {
     if (!faults.sent && !faults.received && !faults.relayed && faults.showsCertificate) return;
     relay_ = std::make_unique<TamperingRelay>(options, faults.showsCertificate, faults.sent, faults.received);
   }
@@ -48,7 +49,8 @@ class MemoryLink : public phone::verify::LinkUnderTest {
     bool moved = false;
     phone::Frame frame;
     while (decoder_.next(&frame)) {
-      for (const phone::Bytes& wire : relay_ ? relay_->fromPhone(frame) : std::vector<phone::Bytes>{phone::encodeFrame(frame)}) {
+      for (const phone::Bytes& wire :
+           relay_ ? relay_->fromPhone(frame) : std::vector<phone::Bytes>{phone::encodeFrame(frame)}) {
         if (!host_.hasStopped()) host_.giveFrame(wire);
       }
       moved = true;
@@ -64,7 +66,8 @@ class MemoryLink : public phone::verify::LinkUnderTest {
 
 }  // namespace
 
-std::unique_ptr<phone::verify::LinkUnderTest> MemoryHeadUnit::connect(phone::LinkOptions options, std::string*) {
+std::unique_ptr<phone::verify::LinkUnderTest> MemoryHeadUnit::connect(phone::LinkOptions options,
+                                                                      std::string*) {
   return std::make_unique<MemoryLink>(options, faults_);
 }
 

@@ -7,8 +7,8 @@ namespace test {
 
 /// What a head unit built from the library, or its host, does wrong. The defaults do nothing wrong.
 struct HeadUnitFaults {
-  Tamper sent;      ///< Changes frames on their way to the phone.
-  Tamper received;  ///< The same on their way to the head unit.
+  Tamper sent;           ///< Changes frames on their way to the phone.
+  Tamper received;       ///< The same on their way to the head unit.
   bool relayed = false;  ///< Frames pass the relay even if nothing tampers with them.
   bool showsCertificate = true;
 
@@ -30,14 +30,29 @@ struct HeadUnitFaults {
 class MemoryHeadUnit : public phone::verify::HeadUnit {
  public:
   explicit MemoryHeadUnit(HeadUnitFaults faults = {}) : faults_(std::move(faults)) {}
-  std::unique_ptr<phone::verify::LinkUnderTest> connect(phone::LinkOptions options, std::string* error) override;
+  std::unique_ptr<phone::verify::LinkUnderTest> connect(phone::LinkOptions options,
+                                                        std::string* error) override;
 
  private:
   HeadUnitFaults faults_;
 };
 
 /// The service ids of that head unit.
-enum ServiceId { VIDEO = 1, MEDIA, GUIDANCE, MICROPHONE, SENSORS, INPUT, BLUETOOTH, RADIO, NAVIGATION, PLAYBACK, PHONE,
-                 BROWSER, NOTIFICATIONS, VERIFICATION };
+enum ServiceId {
+  VIDEO = 1,
+  MEDIA,
+  GUIDANCE,
+  MICROPHONE,
+  SENSORS,
+  INPUT,
+  BLUETOOTH,
+  RADIO,
+  NAVIGATION,
+  PLAYBACK,
+  PHONE,
+  BROWSER,
+  NOTIFICATIONS,
+  VERIFICATION
+};
 
 }  // namespace test

@@ -41,7 +41,8 @@ struct ControlHost : IControllerCallbacks {
   bool failed = false;
   bool leaving = false;
 
-  void serviceDiscoveryRequest(const std::string&, const std::string&, const std::string&, const std::string&) override {}
+  void serviceDiscoveryRequest(const std::string&, const std::string&, const std::string&,
+                               const std::string&) override {}
   void unrecoverableError() override { failed = true; }
   void pingRequest(long long, bool) override {}
   void pingResponse(long long) override {}
@@ -53,7 +54,8 @@ struct ControlHost : IControllerCallbacks {
   void byeByeResponse() override {}
   void voiceSessionNotification(VoiceSessionStatus) override {}
   void audioFocusRequest(AudioFocusRequestType) override {
-    if (faults->answersAudioFocus) controller->setAudioFocus(AUDIO_FOCUS_STATE_1, faults->claimsFocusWasUnasked);
+    if (faults->answersAudioFocus)
+      controller->setAudioFocus(AUDIO_FOCUS_STATE_1, faults->claimsFocusWasUnasked);
   }
   void authenticationCompleted(int) override {}
   void versionResponse(unsigned long long, unsigned long long) override {}
@@ -67,7 +69,8 @@ void acknowledge(MediaSinkBase* sink, const HeadUnitFaults& faults, int session)
 struct VideoHost : IVideoSinkCallbacks {
   VideoSink* sink = nullptr;
   const HeadUnitFaults* faults = nullptr;
-  void dataAvailable(int session, unsigned long long, shared_ptr<IoBuffer> const&, void*, unsigned int) override {
+  void dataAvailable(int session, unsigned long long, shared_ptr<IoBuffer> const&, void*,
+                     unsigned int) override {
     acknowledge(sink, *faults, session);
   }
   void codecConfig(void*, unsigned int) override {}
@@ -81,7 +84,8 @@ struct VideoHost : IVideoSinkCallbacks {
 struct AudioHost : IAudioSinkCallbacks {
   AudioSink* sink = nullptr;
   const HeadUnitFaults* faults = nullptr;
-  void dataAvailable(int session, unsigned long long, shared_ptr<IoBuffer> const&, void*, unsigned int) override {
+  void dataAvailable(int session, unsigned long long, shared_ptr<IoBuffer> const&, void*,
+                     unsigned int) override {
     acknowledge(sink, *faults, session);
   }
   void codecConfig(void*, unsigned int) override {}
@@ -163,7 +167,8 @@ struct BrowserHost : IMediaBrowserCallbacks {
 struct NotificationHost : INotificationCallbacks {
   NotificationEndpoint* endpoint = nullptr;
   void subscriptionChanged(bool) override {}
-  void notification(const std::string&, bool hasId, const std::string& id, bool, unsigned char*, unsigned int) override {
+  void notification(const std::string&, bool hasId, const std::string& id, bool, unsigned char*,
+                    unsigned int) override {
     if (hasId) endpoint->ackNotification(id);
   }
   void notificationAck(const std::string&) override {}
@@ -269,10 +274,11 @@ struct VerifyHost::Parts {
     setUpCluster();
     setUpVerification();
     const TestCredentials& known = credentials();
-    EXPECT_TRUE(receiver.controller().setClientCreds(known.root, known.headUnit.certificate, known.headUnit.key));
+    EXPECT_TRUE(
+        receiver.controller().setClientCreds(known.root, known.headUnit.certificate, known.headUnit.key));
     for (ProtocolEndpointBase* endpoint : std::vector<ProtocolEndpointBase*>{
-             &video, &media, &guidance, &microphone, &sensors, &input, &bluetooth, &radio, &navigation, &playback,
-             &phone, &browser, &notifications, &verification}) {
+             &video, &media, &guidance, &microphone, &sensors, &input, &bluetooth, &radio, &navigation,
+             &playback, &phone, &browser, &notifications, &verification}) {
       EXPECT_TRUE(receiver.registerService(endpoint));
     }
     receiver.start();
@@ -360,11 +366,14 @@ struct VerifyHost::Parts {
   InputSource input{INPUT, router()};
   BluetoothEndpoint bluetooth{BLUETOOTH, router(), shared_ptr<IBluetoothCallbacks>(bluetoothHost)};
   RadioEndpoint radio{RADIO, router(), shared_ptr<IRadioCallbacks>(radioHost)};
-  NavigationStatusEndpoint navigation{NAVIGATION, router(), shared_ptr<INavigationStatusCallbacks>(new NavigationHost)};
-  MediaPlaybackStatusEndpoint playback{PLAYBACK, router(), shared_ptr<IMediaPlaybackStatusCallbacks>(new PlaybackHost)};
+  NavigationStatusEndpoint navigation{NAVIGATION, router(),
+                                      shared_ptr<INavigationStatusCallbacks>(new NavigationHost)};
+  MediaPlaybackStatusEndpoint playback{PLAYBACK, router(),
+                                       shared_ptr<IMediaPlaybackStatusCallbacks>(new PlaybackHost)};
   PhoneStatusEndpoint phone{PHONE, router(), shared_ptr<IPhoneStatusCallbacks>(new CallHost)};
   EagerBrowser browser{BROWSER, router(), shared_ptr<IMediaBrowserCallbacks>(new BrowserHost)};
-  NotificationEndpoint notifications{NOTIFICATIONS, router(), shared_ptr<INotificationCallbacks>(notificationHost)};
+  NotificationEndpoint notifications{NOTIFICATIONS, router(),
+                                     shared_ptr<INotificationCallbacks>(notificationHost)};
   VantryVerificationVendorExtension verification{
       VERIFICATION, router(),
       shared_ptr<IVendorExtensionCallbacks>(new VantryVerificationVendorExtensionCallbackRouter(
@@ -387,7 +396,8 @@ bool VerifyHost::takeFrame(phone::Bytes* wireFrame) {
 }
 
 void VerifyHost::giveFrame(const phone::Bytes& wireFrame) {
-  const shared_ptr<IoBuffer> buffer = parts_->receiver.allocateBuffer(static_cast<unsigned int>(wireFrame.size()));
+  const shared_ptr<IoBuffer> buffer =
+      parts_->receiver.allocateBuffer(static_cast<unsigned int>(wireFrame.size()));
   std::copy(wireFrame.begin(), wireFrame.end(), buffer->content());
   parts_->receiver.queueIncoming(buffer);
 }

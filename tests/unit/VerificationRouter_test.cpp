@@ -193,12 +193,9 @@ TEST_F(VerificationRouterTest, ForgetsKnownFieldsOfTheWrongWireTypeAndInvalidOpt
 /// satellite.
 Bytes sensorValue(int type, const Bytes& tail) {
   switch (type) {
-    case SENSOR_LOCATION:
-      return bytes("08 01 10 02 18 03") + tail;
-    case SENSOR_DIAGNOSTICS:
-      return bytes("0A 01 41") + tail;
-    case SENSOR_GPS_SATELLITE:
-      return bytes("08 01") + field(3, bytes("08 01 10 02 18 01") + tail) + tail;
+    case SENSOR_LOCATION: return bytes("08 01 10 02 18 03") + tail;
+    case SENSOR_DIAGNOSTICS: return bytes("0A 01 41") + tail;
+    case SENSOR_GPS_SATELLITE: return bytes("08 01") + field(3, bytes("08 01 10 02 18 01") + tail) + tail;
   }
   return bytes("08 01") + tail;
 }

@@ -2,6 +2,7 @@
 
 #include <SDL.h>
 #include <spdlog/spdlog.h>
+#include <algorithm>
 
 #include <condition_variable>
 #include <mutex>
@@ -148,12 +149,19 @@ std::optional<std::vector<std::int16_t>> readForMicrophone(const std::string& pa
   SDL_AudioStream* const stream = SDL_NewAudioStream(found.format, found.channels, found.freq, AUDIO_S16SYS,
                                                      1, static_cast<int>(MICROPHONE_RATE));
   std::vector<std::int16_t> samples;
+  const std::size_t frameSize = SDL_AUDIO_BITSIZE(found.format) / 8U * found.channels;
+  const std::size_t rate = static_cast<std::size_t>(found.freq);
+  const std::size_t wanted = length / frameSize * MICROPHONE_RATE / rate;
+  // The stream keeps some of what it was given to itself: silence after the end, which is cut off again.
+  const std::vector<Uint8> silence(frameSize * (rate / 10 + 1), found.silence);
   const bool converted = stream != nullptr &&
                          SDL_AudioStreamPut(stream, bytes, static_cast<int>(length)) == 0 &&
+                         SDL_AudioStreamPut(stream, silence.data(), static_cast<int>(silence.size())) == 0 &&
                          SDL_AudioStreamFlush(stream) == 0;
   SDL_FreeWAV(bytes);
   if (converted) {
-    samples.resize(static_cast<std::size_t>(SDL_AudioStreamAvailable(stream)) / sizeof(std::int16_t));
+    const auto available = static_cast<std::size_t>(SDL_AudioStreamAvailable(stream)) / sizeof(std::int16_t);
+    samples.resize(std::min(available, wanted));
     SDL_AudioStreamGet(stream, samples.data(), static_cast<int>(samples.size() * sizeof(std::int16_t)));
   } else {
     *error = path + ": " + SDL_GetError();

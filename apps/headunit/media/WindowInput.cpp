@@ -27,20 +27,16 @@ void WindowInput::handle(const SDL_Event& event, const PictureView& view, float 
   switch (event.type) {
     case SDL_MOUSEBUTTONDOWN:
     case SDL_MOUSEBUTTONUP:
-    case SDL_MOUSEMOTION:
-      return onMouse(event, view, scale);
+    case SDL_MOUSEMOTION: return onMouse(event, view, scale);
     case SDL_FINGERDOWN:
     case SDL_FINGERUP:
-    case SDL_FINGERMOTION:
-      return onFinger(event, view);
+    case SDL_FINGERMOTION: return onFinger(event, view);
     case SDL_KEYDOWN:
-    case SDL_KEYUP:
-      return onKey(event);
+    case SDL_KEYUP: return onKey(event);
     case SDL_MOUSEWHEEL:
       if (event.wheel.y != 0) controls_->turn(event.wheel.y);
       return;
-    default:
-      return;
+    default: return;
   }
 }
 

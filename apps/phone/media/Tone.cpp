@@ -22,12 +22,9 @@ std::vector<Note> melodyOf(Tone tone) {
     case Tone::Media:
       return {{261.63, 400}, {329.63, 400}, {392.00, 400}, {523.25, 400},
               {493.88, 400}, {392.00, 400}, {329.63, 400}, {392.00, 400}};
-    case Tone::Guidance:
-      return {{698.46, 250}, {880.00, 350}, {0, 600}};
-    case Tone::System:
-      return {{1174.66, 120}, {0, 380}};
-    case Tone::Telephony:
-      return {{466.16, 200}, {554.37, 200}, {466.16, 200}, {554.37, 200}, {0, 800}};
+    case Tone::Guidance: return {{698.46, 250}, {880.00, 350}, {0, 600}};
+    case Tone::System: return {{1174.66, 120}, {0, 380}};
+    case Tone::Telephony: return {{466.16, 200}, {554.37, 200}, {466.16, 200}, {554.37, 200}, {0, 800}};
   }
   return {};
 }

@@ -10,7 +10,8 @@ namespace {
 constexpr char footer[] =
     "Exit status: 0 after a link that ended in good order, 1 for wrong usage, 2 for a link that failed.\n"
     "With --listen HOST:0 the system chooses the port; a line \"listening on HOST:PORT\" tells which."
-    "\n\"vantry-phone verify --help\" tells how to check a head unit, \"vantry-phone --list-scenarios\" what can be played.";
+    "\n\"vantry-phone verify --help\" tells how to check a head unit, \"vantry-phone --list-scenarios\" what "
+    "can be played.";
 
 const std::map<std::string, PictureSize> sizes = {
     {"800x480", {800, 480}}, {"1280x720", {1280, 720}}, {"1920x1080", {1920, 1080}}};

@@ -12,14 +12,10 @@ namespace {
 
 Tone toneOf(AudioStreamType type) {
   switch (type) {
-    case AUDIO_STREAM_GUIDANCE:
-      return Tone::Guidance;
-    case AUDIO_STREAM_SYSTEM_AUDIO:
-      return Tone::System;
-    case AUDIO_STREAM_TELEPHONY:
-      return Tone::Telephony;
-    case AUDIO_STREAM_MEDIA:
-      break;
+    case AUDIO_STREAM_GUIDANCE: return Tone::Guidance;
+    case AUDIO_STREAM_SYSTEM_AUDIO: return Tone::System;
+    case AUDIO_STREAM_TELEPHONY: return Tone::Telephony;
+    case AUDIO_STREAM_MEDIA: break;
   }
   return Tone::Media;
 }

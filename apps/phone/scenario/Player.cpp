@@ -75,24 +75,12 @@ void expectNone(Probe& probe, const Step& step) {
 
 void run(Probe& probe, const Step& step) {
   switch (step.kind) {
-    case Step::Kind::open:
-      channelFor(probe, step.service);
-      return;
-    case Step::Kind::close:
-      probe.close(channelFor(probe, step.service));
-      return;
-    case Step::Kind::send:
-      send(probe, step);
-      return;
-    case Step::Kind::wait:
-      probe.runUntil([] { return false; }, step.within);
-      return;
-    case Step::Kind::expect:
-      expect(probe, step);
-      return;
-    case Step::Kind::expectNone:
-      expectNone(probe, step);
-      return;
+    case Step::Kind::open: channelFor(probe, step.service); return;
+    case Step::Kind::close: probe.close(channelFor(probe, step.service)); return;
+    case Step::Kind::send: send(probe, step); return;
+    case Step::Kind::wait: probe.runUntil([] { return false; }, step.within); return;
+    case Step::Kind::expect: expect(probe, step); return;
+    case Step::Kind::expectNone: expectNone(probe, step); return;
   }
 }
 

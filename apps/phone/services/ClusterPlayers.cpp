@@ -77,26 +77,13 @@ void CallPlayer::onTime() {
 void CallPlayer::act() {
   constexpr int round = 30;
   switch (second_++ % round) {
-    case 4:
-      ring("Ada Winter", "+1 555 0100");
-      break;
-    case 8:
-      answer();
-      break;
-    case 13:
-      ring("Harbour Office", "+1 555 0142");
-      break;
-    case 16:
-      answer();
-      break;
-    case 21:
-      hangUp();
-      break;
-    case 25:
-      hangUp();
-      break;
-    default:
-      break;
+    case 4: ring("Ada Winter", "+1 555 0100"); break;
+    case 8: answer(); break;
+    case 13: ring("Harbour Office", "+1 555 0142"); break;
+    case 16: answer(); break;
+    case 21: hangUp(); break;
+    case 25: hangUp(); break;
+    default: break;
   }
 }
 

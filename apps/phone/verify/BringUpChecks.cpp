@@ -11,7 +11,8 @@ void sendsVersionRequest(Probe& probe) {
   options.answersVersion = false;
   PhoneLink& link = probe.freshLink(options);
   const Message first = probe.await(0, MESSAGE_VERSION_REQUEST, "a version request");
-  Probe::expect(first.order == 0, "the version request is the first message", "another message came before it");
+  Probe::expect(first.order == 0, "the version request is the first message",
+                "another message came before it");
   Probe::expect(first.bytes == Bytes{0, 1, 0, 1, 0, 0}, "00 01 00 01 00 00", hex(first.bytes));
   const FrameRecord& frame = link.receivedFrames()[0];
   Probe::expect(frame.channel == 0 && frame.flags == (flagFirst | flagLast),
@@ -40,8 +41,8 @@ PhoneLink& refusedLink(Probe& probe) {
 void idlesAfterRefusal(Probe& probe) {
   refusedLink(probe);
   probe.settle();
-  Probe::expect(probe.count(0, MESSAGE_SSL_HANDSHAKE) == 0, "no handshake after the phone refused the version",
-                probe.cameOn(0));
+  Probe::expect(probe.count(0, MESSAGE_SSL_HANDSHAKE) == 0,
+                "no handshake after the phone refused the version", probe.cameOn(0));
 }
 
 void refusesDiscoveryAfterRefusal(Probe& probe) {
@@ -55,8 +56,9 @@ void beginsHandshake(Probe& probe) {
   options.answersHandshake = false;
   PhoneLink& link = probe.freshLink(options);
   const Message hello = probe.await(0, MESSAGE_SSL_HANDSHAKE, "the head unit's first TLS flight");
-  Probe::expect(hello.bodySize() > 5 && hello.body()[0] == 0x16 && hello.body()[1] == 3 && hello.body()[5] == 1,
-                "a TLS record with a ClientHello", hex(hello.bytes));
+  Probe::expect(
+      hello.bodySize() > 5 && hello.body()[0] == 0x16 && hello.body()[1] == 3 && hello.body()[5] == 1,
+      "a TLS record with a ClientHello", hex(hello.bytes));
   Probe::expect((link.receivedFrames().back().flags & flagEncrypted) == 0, "a plain frame",
                 "a frame that is flagged as encrypted");
 }
@@ -112,8 +114,9 @@ void discoversBeforeTls(Probe& probe) {
   PhoneLink& link = probe.freshLink(options);
   probe.await(0, MESSAGE_SSL_HANDSHAKE, "the head unit's first TLS flight");
   link.sendServiceDiscoveryRequest();
-  const Message answer = probe.await(0, MESSAGE_SERVICE_DISCOVERY_RESPONSE,
-                                     "services in answer to a request that comes once the version is accepted");
+  const Message answer =
+      probe.await(0, MESSAGE_SERVICE_DISCOVERY_RESPONSE,
+                  "services in answer to a request that comes once the version is accepted");
   Probe::expect(!answer.encrypted, "an answer in the clear, there being no TLS yet", "an encrypted one");
 }
 
@@ -122,7 +125,8 @@ void encryptsFromThenOn(Probe& probe) {
   probe.settle();
   for (const Message& message : link.received(0)) {
     const int type = message.type();
-    const bool plain = type == MESSAGE_VERSION_REQUEST || type == MESSAGE_SSL_HANDSHAKE || type == MESSAGE_AUTH_RESPONSE;
+    const bool plain =
+        type == MESSAGE_VERSION_REQUEST || type == MESSAGE_SSL_HANDSHAKE || type == MESSAGE_AUTH_RESPONSE;
     Probe::expect(message.encrypted != plain,
                   plain ? "the start of the link in the clear" : "everything after the handshake encrypted",
                   "message " + hex(type) + (plain ? " is encrypted" : " came in the clear"));
@@ -133,17 +137,25 @@ void encryptsFromThenOn(Probe& probe) {
 
 Checks bringUpChecks() {
   return {
-      {"link.version-request", "The head unit speaks first: version 1.0, in one plain frame.", sendsVersionRequest},
-      {"link.version-waits", "It says nothing more until the phone has given its verdict.", waitsForTheVerdict},
+      {"link.version-request", "The head unit speaks first: version 1.0, in one plain frame.",
+       sendsVersionRequest},
+      {"link.version-waits", "It says nothing more until the phone has given its verdict.",
+       waitsForTheVerdict},
       {"link.refusal-idles", "A version that the phone refuses leads to no handshake.", idlesAfterRefusal},
-      {"link.refusal-no-discovery", "A refused version leaves discovery refused too.", refusesDiscoveryAfterRefusal},
-      {"link.client-hello", "An accepted version is followed by a ClientHello in the clear.", beginsHandshake},
-      {"link.handshake", "The TLS handshake succeeds, and the head unit shows its certificate.", authenticates},
+      {"link.refusal-no-discovery", "A refused version leaves discovery refused too.",
+       refusesDiscoveryAfterRefusal},
+      {"link.client-hello", "An accepted version is followed by a ClientHello in the clear.",
+       beginsHandshake},
+      {"link.handshake", "The TLS handshake succeeds, and the head unit shows its certificate.",
+       authenticates},
       {"link.auth-response", "One AuthResponse, in the clear, says yes.", consents},
-      {"link.stranger-refused", "A phone whose certificate leads elsewhere is refused with status -3.", refusesStranger},
-      {"link.whole-flights", "A handshake flight cut in two is an authentication failure.", wantsWholeFlights},
+      {"link.stranger-refused", "A phone whose certificate leads elsewhere is refused with status -3.",
+       refusesStranger},
+      {"link.whole-flights", "A handshake flight cut in two is an authentication failure.",
+       wantsWholeFlights},
       {"link.early-discovery", "Discovery is served as soon as the version is accepted.", discoversBeforeTls},
-      {"link.encrypted", "All that follows the AuthResponse is encrypted, and nothing before it.", encryptsFromThenOn},
+      {"link.encrypted", "All that follows the AuthResponse is encrypted, and nothing before it.",
+       encryptsFromThenOn},
   };
 }
 

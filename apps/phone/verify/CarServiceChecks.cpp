@@ -19,13 +19,14 @@ Bytes pairingRequest(BluetoothPairingMethod method) {
 }
 
 void answersPairing(Probe& probe) {
-  const Service service = probe.find([](const Service& one) { return one.has_bluetooth_service(); }, "Bluetooth");
+  const Service service =
+      probe.find([](const Service& one) { return one.has_bluetooth_service(); }, "Bluetooth");
   const std::uint8_t channel = probe.open(service);
   const auto& methods = service.bluetooth_service().supported_pairing_methods();
   const int method = methods.empty() ? BLUETOOTH_PAIRING_METHOD_1 : methods.Get(0);
   probe.link().sendMessage(channel, pairingRequest(static_cast<BluetoothPairingMethod>(method)));
-  const auto answer = probe.await<BluetoothPairingResponse>(channel, MESSAGE_BLUETOOTH_PAIRING_RESPONSE,
-                                                            "a BluetoothPairingResponse with both fields", 3'000'000);
+  const auto answer = probe.await<BluetoothPairingResponse>(
+      channel, MESSAGE_BLUETOOTH_PAIRING_RESPONSE, "a BluetoothPairingResponse with both fields", 3'000'000);
   Probe::expect(answer.status() != STATUS_PAIRING_DELAYED || !answer.already_paired(),
                 "already_paired false while pairing is delayed", "true");
   probe.close(channel);
@@ -33,11 +34,14 @@ void answersPairing(Probe& probe) {
 
 void refusesOnBluetooth(Probe& probe) {
   const std::uint8_t channel = openBluetooth(probe);
-  probe.expectRefused(channel, messageBytes(MESSAGE_BLUETOOTH_PAIRING_REQUEST), "an empty BluetoothPairingRequest");
+  probe.expectRefused(channel, messageBytes(MESSAGE_BLUETOOTH_PAIRING_REQUEST),
+                      "an empty BluetoothPairingRequest");
   probe.expectRefused(channel, messageBytes(MESSAGE_BLUETOOTH_PAIRING_REQUEST, Bytes{0x0a, 0x00, 0x10, 0x05}),
                       "a pairing method that is none");
-  probe.expectRefused(channel, messageBytes(MESSAGE_BLUETOOTH_PAIRING_RESPONSE), "a BluetoothPairingResponse");
-  probe.expectRefused(channel, messageBytes(MESSAGE_BLUETOOTH_AUTHENTICATION_DATA), "BluetoothAuthenticationData");
+  probe.expectRefused(channel, messageBytes(MESSAGE_BLUETOOTH_PAIRING_RESPONSE),
+                      "a BluetoothPairingResponse");
+  probe.expectRefused(channel, messageBytes(MESSAGE_BLUETOOTH_AUTHENTICATION_DATA),
+                      "BluetoothAuthenticationData");
   probe.close(channel);
 }
 
@@ -64,7 +68,8 @@ void tunes(Probe& probe) {
   const Service service = radio(probe);
   const std::uint8_t channel = probe.open(service);
   const auto answer = tune(probe, channel, service.radio_service().start_frequency_hz());
-  Probe::expect(answer.status() == 0, "status 0 at the lower end of the band", std::to_string(answer.status()));
+  Probe::expect(answer.status() == 0, "status 0 at the lower end of the band",
+                std::to_string(answer.status()));
   expectNoFrequency(answer.station_data());
   probe.close(channel);
 }
@@ -73,7 +78,8 @@ void refusesToTune(Probe& probe) {
   const Service service = radio(probe);
   const std::uint8_t channel = probe.open(service);
   const auto answer = tune(probe, channel, 1);
-  Probe::expect(answer.status() == STATUS_INVALID_STATION, "status -19 for 1 Hz", std::to_string(answer.status()));
+  Probe::expect(answer.status() == STATUS_INVALID_STATION, "status -19 for 1 Hz",
+                std::to_string(answer.status()));
   probe.close(channel);
 }
 
@@ -94,8 +100,8 @@ void scans(Probe& probe) {
     RadioScanRequest request;
     request.set_forward(forward);
     probe.link().send(channel, MESSAGE_RADIO_SCAN_REQUEST, request);
-    const auto end = probe.await<RadioScanCompleteNotification>(channel, MESSAGE_RADIO_SCAN_COMPLETE_NOTIFICATION,
-                                                                "the end of the scan", 4'000'000);
+    const auto end = probe.await<RadioScanCompleteNotification>(
+        channel, MESSAGE_RADIO_SCAN_COMPLETE_NOTIFICATION, "the end of the scan", 4'000'000);
     Probe::expect(end.has_frequency_hz(), "frequency_hz told", "it is absent");
     expectNoFrequency(end.station_data());
   }
@@ -105,16 +111,18 @@ void scans(Probe& probe) {
 void tellsStation(Probe& probe) {
   const std::uint8_t channel = probe.open(radio(probe));
   probe.link().send(channel, MESSAGE_RADIO_STATION_INFO_REQUEST, RadioStationInfoRequest());
-  expectNoFrequency(probe.await<RadioStationInfoNotification>(channel, MESSAGE_RADIO_STATION_INFO_NOTIFICATION,
-                                                              "a RadioStationInfoNotification"));
+  expectNoFrequency(probe.await<RadioStationInfoNotification>(
+      channel, MESSAGE_RADIO_STATION_INFO_NOTIFICATION, "a RadioStationInfoNotification"));
   probe.close(channel);
 }
 
 void refusesOnRadio(Probe& probe) {
   const std::uint8_t channel = probe.open(radio(probe));
-  probe.expectRefused(channel, messageBytes(MESSAGE_RADIO_SCAN_REQUEST), "a RadioScanRequest without a direction");
-  for (const std::uint16_t type : {MESSAGE_RADIO_SCAN_COMPLETE_NOTIFICATION, MESSAGE_RADIO_STATION_INFO_NOTIFICATION,
-                                   MESSAGE_RADIO_SET_STATION_RESPONSE}) {
+  probe.expectRefused(channel, messageBytes(MESSAGE_RADIO_SCAN_REQUEST),
+                      "a RadioScanRequest without a direction");
+  for (const std::uint16_t type :
+       {MESSAGE_RADIO_SCAN_COMPLETE_NOTIFICATION, MESSAGE_RADIO_STATION_INFO_NOTIFICATION,
+        MESSAGE_RADIO_SET_STATION_RESPONSE}) {
     probe.expectRefused(channel, messageBytes(type), "type " + hex(type) + ", which only a head unit sends");
   }
   probe.expectRefused(channel, messageBytes(0x8007), "an unknown type");
@@ -135,17 +143,20 @@ void takesGuidance(Probe& probe) {
   probe.expectTaken(channel, messageBytes(MESSAGE_NAVIGATION_STATUS, status), "a NavigationStatus");
   NavigationNextTurnEvent turn;
   turn.set_road("Long Lane");
-  probe.expectTaken(channel, messageBytes(MESSAGE_NAVIGATION_NEXT_TURN_EVENT, turn), "a turn of which only the road is told");
+  probe.expectTaken(channel, messageBytes(MESSAGE_NAVIGATION_NEXT_TURN_EVENT, turn),
+                    "a turn of which only the road is told");
   turn.set_turn_side(NavigationNextTurnEvent_TurnSide_LEFT);
   turn.set_event(NavigationNextTurnEvent_NextTurnEnum_ROUNDABOUT_ENTER_AND_EXIT);
   turn.set_turn_number(3);
   turn.set_turn_angle(120);
   turn.set_image(std::string(20'000, '\0'));
-  probe.expectTaken(channel, messageBytes(MESSAGE_NAVIGATION_NEXT_TURN_EVENT, turn), "a turn with everything told");
+  probe.expectTaken(channel, messageBytes(MESSAGE_NAVIGATION_NEXT_TURN_EVENT, turn),
+                    "a turn with everything told");
   NavigationNextTurnDistanceEvent distance;
   distance.set_distance_meters(250);
   distance.set_time_to_turn_seconds(18);
-  probe.expectTaken(channel, messageBytes(MESSAGE_NAVIGATION_NEXT_TURN_DISTANCE_EVENT, distance), "a distance");
+  probe.expectTaken(channel, messageBytes(MESSAGE_NAVIGATION_NEXT_TURN_DISTANCE_EVENT, distance),
+                    "a distance");
   status.set_status(NavigationStatus_NavigationStatusEnum_INACTIVE);
   probe.expectTaken(channel, messageBytes(MESSAGE_NAVIGATION_STATUS, status), "the end of guidance");
   probe.close(channel);
@@ -153,7 +164,8 @@ void takesGuidance(Probe& probe) {
 
 void refusesOnNavigation(Probe& probe) {
   const std::uint8_t channel = openNavigation(probe);
-  probe.expectRefused(channel, messageBytes(MESSAGE_NAVIGATION_STATUS), "a NavigationStatus without a status");
+  probe.expectRefused(channel, messageBytes(MESSAGE_NAVIGATION_STATUS),
+                      "a NavigationStatus without a status");
   probe.expectRefused(channel, messageBytes(MESSAGE_NAVIGATION_NEXT_TURN_EVENT), "a turn without a road");
   probe.expectRefused(channel, messageBytes(MESSAGE_NAVIGATION_NEXT_TURN_DISTANCE_EVENT, Bytes{0x08, 0x01}),
                       "a distance without a time");

@@ -161,15 +161,18 @@ Checks channelChecks() {
       {"channel.open-all", "Every service that discovery lists opens, all at once.", opensAll},
       {"channel.taken", "A channel in use is refused with status -5.", refusesTakenChannel},
       {"channel.zero", "Channel 0 is in use from the start, and refused likewise.", refusesChannel0},
-      {"channel.one-per-service", "A second channel to one service gets no answer.", keepsOneChannelPerService},
+      {"channel.one-per-service", "A second channel to one service gets no answer.",
+       keepsOneChannelPerService},
       {"channel.no-such-service", "A service that is not offered gets no answer.", ignoresUnknownServices},
-      {"channel.damaged-open", "An open request that does not parse gets no answer, and the link lives.", ignoresDamagedRequest},
+      {"channel.damaged-open", "An open request that does not parse gets no answer, and the link lives.",
+       ignoresDamagedRequest},
       {"channel.low-byte", "Only the low eight bits of a service id count.", takesLowByteOfService},
       {"channel.priority", "Any priority is taken, also one beyond eight bits.", takesAnyPriority},
       {"channel.close", "A close is taken in silence.", closesInSilence},
       {"channel.reopen", "A closed channel opens again, on the same number.", reopens},
       {"channel.255", "The highest channel number works like any other.", servesHighestChannel},
-      {"channel.unknown-control", "A control frame of unknown type is refused, in an ordinary frame.", refusesUnknownControlFrames},
+      {"channel.unknown-control", "A control frame of unknown type is refused, in an ordinary frame.",
+       refusesUnknownControlFrames},
   };
 }
 

@@ -10,20 +10,23 @@ const std::string picture(40'000, '\x7f');
 // ---- Playback ----
 
 std::uint8_t openPlayback(Probe& probe) {
-  return probe.open(probe.find([](const Service& one) { return one.has_media_playback_service(); }, "playback"));
+  return probe.open(
+      probe.find([](const Service& one) { return one.has_media_playback_service(); }, "playback"));
 }
 
 void takesPlayback(Probe& probe) {
   const std::uint8_t channel = openPlayback(probe);
   MediaPlaybackStatus status;
-  probe.expectTaken(channel, messageBytes(MESSAGE_MEDIA_PLAYBACK_STATUS, status), "an empty MediaPlaybackStatus");
+  probe.expectTaken(channel, messageBytes(MESSAGE_MEDIA_PLAYBACK_STATUS, status),
+                    "an empty MediaPlaybackStatus");
   status.set_state(MediaPlaybackStatus_State_PLAYING);
   status.set_media_source("Library");
   status.set_playback_seconds(17);
   probe.expectTaken(channel, messageBytes(MESSAGE_MEDIA_PLAYBACK_STATUS, status), "a MediaPlaybackStatus");
   MediaPlaybackMetadata song;
   song.set_song("Low Tide");
-  probe.expectTaken(channel, messageBytes(MESSAGE_MEDIA_PLAYBACK_METADATA, song), "metadata with a song alone");
+  probe.expectTaken(channel, messageBytes(MESSAGE_MEDIA_PLAYBACK_METADATA, song),
+                    "metadata with a song alone");
   song.set_album_art(picture);
   song.set_duration_seconds(200);
   probe.expectTaken(channel, messageBytes(MESSAGE_MEDIA_PLAYBACK_METADATA, song), "metadata with cover art");
@@ -42,7 +45,8 @@ void refusesOnPlayback(Probe& probe) {
 // ---- Phone ----
 
 std::uint8_t openPhone(Probe& probe) {
-  return probe.open(probe.find([](const Service& one) { return one.has_phone_status_service(); }, "phone status"));
+  return probe.open(
+      probe.find([](const Service& one) { return one.has_phone_status_service(); }, "phone status"));
 }
 
 void takesCalls(Probe& probe) {
@@ -74,7 +78,8 @@ void refusesOnPhone(Probe& probe) {
 // ---- Browser ----
 
 std::uint8_t openBrowser(Probe& probe) {
-  return probe.open(probe.find([](const Service& one) { return one.has_media_browser_service(); }, "a media browser"));
+  return probe.open(
+      probe.find([](const Service& one) { return one.has_media_browser_service(); }, "a media browser"));
 }
 
 void takesNodes(Probe& probe) {
@@ -128,17 +133,20 @@ void refusesOnBrowser(Probe& probe) {
 // ---- Notifications ----
 
 Service notifications(Probe& probe) {
-  return probe.find([](const Service& one) { return one.has_generic_notification_service(); }, "notifications");
+  return probe.find([](const Service& one) { return one.has_generic_notification_service(); },
+                    "notifications");
 }
 
 void takesNotifications(Probe& probe) {
   const std::uint8_t channel = probe.open(notifications(probe));
   GenericNotificationMessage message;
-  probe.expectTaken(channel, messageBytes(MESSAGE_GENERIC_NOTIFICATION_MESSAGE, message), "an empty notification");
+  probe.expectTaken(channel, messageBytes(MESSAGE_GENERIC_NOTIFICATION_MESSAGE, message),
+                    "an empty notification");
   message.set_text("Your parking ends soon");
   message.set_id("parking");
   message.set_icon(picture);
-  probe.expectTaken(channel, messageBytes(MESSAGE_GENERIC_NOTIFICATION_MESSAGE, message), "a notification with an icon");
+  probe.expectTaken(channel, messageBytes(MESSAGE_GENERIC_NOTIFICATION_MESSAGE, message),
+                    "a notification with an icon");
   GenericNotificationAck ack;
   ack.set_id("parking");
   ack.set_handled(true);
@@ -167,7 +175,8 @@ void keepsQuietUnsubscribed(Probe& probe) {
   probe.runUntil([&] { return false; }, 100'000);
   Probe::expect(probe.count(channel, MESSAGE_GENERIC_NOTIFICATION_MESSAGE) == 0 &&
                     probe.count(channel, MESSAGE_GENERIC_NOTIFICATION_ACK) == 0,
-                "neither notifications nor acknowledgements while the phone has not subscribed", probe.cameOn(channel));
+                "neither notifications nor acknowledgements while the phone has not subscribed",
+                probe.cameOn(channel));
 }
 
 void acknowledgesById(Probe& probe) {
@@ -199,7 +208,8 @@ void refusesOnNotifications(Probe& probe) {
 
 Checks clusterServiceChecks() {
   return {
-      {"playback.taken", "Status and metadata, with and without cover art, are taken in silence.", takesPlayback},
+      {"playback.taken", "Status and metadata, with and without cover art, are taken in silence.",
+       takesPlayback},
       {"playback.refused", "Damaged and unknown messages are refused.", refusesOnPlayback},
       {"phone.taken", "Calls, and their end, are taken in silence.", takesCalls},
       {"phone.refused", "Damaged and unknown messages are refused.", refusesOnPhone},
@@ -208,7 +218,8 @@ Checks clusterServiceChecks() {
       {"browser.refused", "Damaged and unknown messages are refused.", refusesOnBrowser},
       {"notification.taken", "Notifications and acknowledgements are taken in silence.", takesNotifications},
       {"notification.subscription", "Subscribing and its end are taken unread.", takesSubscriptionUnread},
-      {"notification.unsubscribed", "Nothing is sent to a phone that has not subscribed.", keepsQuietUnsubscribed},
+      {"notification.unsubscribed", "Nothing is sent to a phone that has not subscribed.",
+       keepsQuietUnsubscribed},
       {"notification.ack", "An acknowledgement names the notification, and nothing else.", acknowledgesById},
       {"notification.refused", "Damaged and unknown messages are refused.", refusesOnNotifications},
   };

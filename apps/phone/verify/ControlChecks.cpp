@@ -9,8 +9,9 @@ namespace {
 
 void echoesTimestamp(Probe& probe) {
   PhoneLink& link = probe.link();
-  for (const std::int64_t timestamp : {std::int64_t{1}, std::int64_t{0}, std::int64_t{-1},
-                                       std::numeric_limits<std::int64_t>::max(), std::int64_t{0x0102030405060708}}) {
+  for (const std::int64_t timestamp :
+       {std::int64_t{1}, std::int64_t{0}, std::int64_t{-1}, std::numeric_limits<std::int64_t>::max(),
+        std::int64_t{0x0102030405060708}}) {
     link.sendPing(timestamp);
     const auto answer = probe.await<PingResponse>(0, MESSAGE_PING_RESPONSE, "a PingResponse");
     Probe::expect(answer.timestamp() == timestamp, "timestamp " + std::to_string(timestamp),
@@ -23,7 +24,8 @@ void answersPingsInOrder(Probe& probe) {
   constexpr int pings = 20;
   for (int i = 1; i <= pings; ++i) link.sendPing(1000 + i);
   for (int i = 1; i <= pings; ++i) {
-    const auto answer = probe.await<PingResponse>(0, MESSAGE_PING_RESPONSE, "PingResponse " + std::to_string(i));
+    const auto answer =
+        probe.await<PingResponse>(0, MESSAGE_PING_RESPONSE, "PingResponse " + std::to_string(i));
     Probe::expect(answer.timestamp() == 1000 + i, "the answer to ping " + std::to_string(i),
                   "timestamp " + std::to_string(answer.timestamp()));
   }
@@ -58,7 +60,8 @@ void refusesDamagedRecords(Probe& probe) {
 
 void refusesUnknownTypes(Probe& probe) {
   probe.link();
-  for (const std::uint16_t type : std::initializer_list<std::uint16_t>{10, 20, 100, 254, 0x7fff, 0x8000, 0x8001}) {
+  for (const std::uint16_t type :
+       std::initializer_list<std::uint16_t>{10, 20, 100, 254, 0x7fff, 0x8000, 0x8001}) {
     probe.expectRefused(0, messageBytes(type), "type " + hex(type) + " on channel 0");
   }
   probe.expectAlive();
@@ -66,8 +69,9 @@ void refusesUnknownTypes(Probe& probe) {
 
 void refusesItsOwnTypes(Probe& probe) {
   probe.link();
-  for (const std::uint16_t type : std::initializer_list<std::uint16_t>{MESSAGE_VERSION_REQUEST, MESSAGE_AUTH_RESPONSE, MESSAGE_SERVICE_DISCOVERY_RESPONSE,
-                                   MESSAGE_NAV_FOCUS_NOTIFICATION, MESSAGE_AUDIO_FOCUS_NOTIFICATION}) {
+  for (const std::uint16_t type : std::initializer_list<std::uint16_t>{
+           MESSAGE_VERSION_REQUEST, MESSAGE_AUTH_RESPONSE, MESSAGE_SERVICE_DISCOVERY_RESPONSE,
+           MESSAGE_NAV_FOCUS_NOTIFICATION, MESSAGE_AUDIO_FOCUS_NOTIFICATION}) {
     probe.expectRefused(0, messageBytes(type), "type " + hex(type) + ", which only a head unit sends");
   }
 }
@@ -98,8 +102,8 @@ void takesVoiceSessions(Probe& probe) {
 }
 
 void answersAudioFocus(Probe& probe) {
-  for (const AudioFocusRequestType request :
-       {AUDIO_FOCUS_GAIN, AUDIO_FOCUS_GAIN_TRANSIENT, AUDIO_FOCUS_GAIN_TRANSIENT_MAY_DUCK, AUDIO_FOCUS_RELEASE}) {
+  for (const AudioFocusRequestType request : {AUDIO_FOCUS_GAIN, AUDIO_FOCUS_GAIN_TRANSIENT,
+                                              AUDIO_FOCUS_GAIN_TRANSIENT_MAY_DUCK, AUDIO_FOCUS_RELEASE}) {
     probe.link().requestAudioFocus(request);
     const std::string what = "an AudioFocusNotification in answer to request " + std::to_string(request);
     const auto answer = probe.await<AudioFocusNotification>(0, MESSAGE_AUDIO_FOCUS_NOTIFICATION, what);
@@ -117,9 +121,8 @@ void passesUnknownAudioFocus(Probe& probe) {
 void answersNavigationFocus(Probe& probe) {
   for (const NavFocusType focus : {NAV_FOCUS_2, NAV_FOCUS_1}) {
     probe.link().requestNavFocus(focus);
-    probe.await<NavFocusNotification>(
-        0, MESSAGE_NAV_FOCUS_NOTIFICATION,
-        "a NavFocusNotification in answer to request " + std::to_string(focus));
+    probe.await<NavFocusNotification>(0, MESSAGE_NAV_FOCUS_NOTIFICATION,
+                                      "a NavFocusNotification in answer to request " + std::to_string(focus));
   }
 }
 
@@ -144,15 +147,22 @@ Checks controlChecks() {
       {"ping.timestamp", "A PingResponse repeats the request's timestamp, whatever it is.", echoesTimestamp},
       {"ping.order", "Twenty pings in a row are answered in their order.", answersPingsInOrder},
       {"ping.once", "One ping gets one answer.", answersOnePingOnce},
-      {"ping.bug-report", "A ping that asks for a bug report, or does not, is answered alike.", answersBugReportPing},
-      {"ping.unasked-response", "A PingResponse that nobody asked for is taken in silence.", takesUnaskedPingResponse},
-      {"control.damaged", "Records that do not parse are refused as unexpected, and the link lives.", refusesDamagedRecords},
-      {"control.unknown", "Types that channel 0 does not know are refused as unexpected.", refusesUnknownTypes},
-      {"control.own-types", "Types that only a head unit sends are refused as unexpected.", refusesItsOwnTypes},
-      {"control.channel-messages", "Channel messages outside control frames are refused.", refusesChannelMessagesOutsideControl},
+      {"ping.bug-report", "A ping that asks for a bug report, or does not, is answered alike.",
+       answersBugReportPing},
+      {"ping.unasked-response", "A PingResponse that nobody asked for is taken in silence.",
+       takesUnaskedPingResponse},
+      {"control.damaged", "Records that do not parse are refused as unexpected, and the link lives.",
+       refusesDamagedRecords},
+      {"control.unknown", "Types that channel 0 does not know are refused as unexpected.",
+       refusesUnknownTypes},
+      {"control.own-types", "Types that only a head unit sends are refused as unexpected.",
+       refusesItsOwnTypes},
+      {"control.channel-messages", "Channel messages outside control frames are refused.",
+       refusesChannelMessagesOutsideControl},
       {"control.voice", "Voice session notifications are taken in silence.", takesVoiceSessions},
       {"focus.audio", "Each kind of audio focus request is answered, as solicited.", answersAudioFocus},
-      {"focus.audio-unknown", "An audio focus request of an unknown kind is not refused as damaged.", passesUnknownAudioFocus},
+      {"focus.audio-unknown", "An audio focus request of an unknown kind is not refused as damaged.",
+       passesUnknownAudioFocus},
       {"focus.navigation", "Navigation focus requests are answered.", answersNavigationFocus},
       {"bye.answered", "Good-bye is answered, without a body.", answersGoodBye},
       {"bye.comes-back", "After good-bye the head unit takes the next link.", comesBack},

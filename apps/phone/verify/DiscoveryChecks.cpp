@@ -17,10 +17,10 @@ std::string serviceWords(const Service& service) { return "service " + std::to_s
 int kindsOf(const Service& service) {
   return service.has_sensor_source_service() + service.has_media_sink_service() +
          service.has_input_source_service() + service.has_media_source_service() +
-         service.has_bluetooth_service() + service.has_radio_service() + service.has_navigation_status_service() +
-         service.has_media_playback_service() + service.has_phone_status_service() +
-         service.has_media_browser_service() + service.has_vendor_extension_service() +
-         service.has_generic_notification_service();
+         service.has_bluetooth_service() + service.has_radio_service() +
+         service.has_navigation_status_service() + service.has_media_playback_service() +
+         service.has_phone_status_service() + service.has_media_browser_service() +
+         service.has_vendor_extension_service() + service.has_generic_notification_service();
 }
 
 template <class Numbers>
@@ -46,7 +46,8 @@ void answersAgain(Probe& probe) {
   PhoneLink& link = probe.link();
   const std::string first = link.services()->SerializeAsString();
   link.sendServiceDiscoveryRequest();
-  const auto again = probe.await<ServiceDiscoveryResponse>(0, MESSAGE_SERVICE_DISCOVERY_RESPONSE, "services again");
+  const auto again =
+      probe.await<ServiceDiscoveryResponse>(0, MESSAGE_SERVICE_DISCOVERY_RESPONSE, "services again");
   Probe::expect(again.SerializeAsString() == first, "the same services as the first time", "others");
 }
 
@@ -79,13 +80,15 @@ void knowsOnlyItsFields(Probe& probe) {
   Probe::expect(probe.link().services()->unknown_fields().empty(), "no fields beyond those of discovery",
                 "unknown fields");
   for (const Service& service : probe.services()) {
-    Probe::expect(service.unknown_fields().empty(), serviceWords(service) + " has no unknown fields", "it has some");
+    Probe::expect(service.unknown_fields().empty(), serviceWords(service) + " has no unknown fields",
+                  "it has some");
   }
 }
 
 void describesVideo(Probe& probe) {
-  const Service video = probe.find(
-      [](const Service& service) { return service.media_sink_service().video_configs_size() > 0; }, "a picture");
+  const Service video =
+      probe.find([](const Service& service) { return service.media_sink_service().video_configs_size() > 0; },
+                 "a picture");
   const MediaSinkService& sink = video.media_sink_service();
   Probe::expect(sink.has_available_type(), "available_type", "it is absent");
   Probe::expect(!sink.has_audio_type() && sink.audio_configs_size() == 0, "a picture's sink without sound",
@@ -123,7 +126,8 @@ void sortsSensors(Probe& probe) {
 }
 
 void sortsKeycodes(Probe& probe) {
-  const Service service = probe.find([](const Service& one) { return one.has_input_source_service(); }, "input");
+  const Service service =
+      probe.find([](const Service& one) { return one.has_input_source_service(); }, "input");
   const auto& codes = service.input_source_service().keycodes_supported();
   Probe::expect(ascends(codes), "key codes in ascending order, none twice", listed(codes));
   Probe::expect(service.input_source_service().touchscreen_size() <= 1 &&
@@ -132,7 +136,8 @@ void sortsKeycodes(Probe& probe) {
 }
 
 void sortsPairingMethods(Probe& probe) {
-  const Service service = probe.find([](const Service& one) { return one.has_bluetooth_service(); }, "Bluetooth");
+  const Service service =
+      probe.find([](const Service& one) { return one.has_bluetooth_service(); }, "Bluetooth");
   std::vector<int> methods;
   for (const int method : service.bluetooth_service().supported_pairing_methods()) methods.push_back(method);
   Probe::expect(ascends(methods), "pairing methods in ascending order, none twice", listed(methods));
@@ -143,9 +148,10 @@ void describesCluster(Probe& probe) {
       probe.find([](const Service& one) { return one.has_navigation_status_service(); }, "navigation");
   const NavigationStatusService& cluster = service.navigation_status_service();
   const bool image = cluster.type() == NavigationStatusService_InstrumentClusterType_IMAGE;
-  Probe::expect(image == cluster.has_image_options(),
-                image ? "image_options for a cluster that shows images" : "no image_options for one that shows none",
-                image ? "none" : "image_options");
+  Probe::expect(
+      image == cluster.has_image_options(),
+      image ? "image_options for a cluster that shows images" : "no image_options for one that shows none",
+      image ? "none" : "image_options");
 }
 
 void namesVerification(Probe& probe) {
@@ -155,7 +161,8 @@ void namesVerification(Probe& probe) {
   const auto& list = service.vendor_extension_service().package_white_list();
   const std::vector<std::string> wanted = {"com.corvane.drovia.projection.spindrel.receivertest",
                                            "com.corvane.drovia.projection.localsink"};
-  Probe::expect(std::vector<std::string>(list.begin(), list.end()) == wanted, wanted[0] + ", then " + wanted[1],
+  Probe::expect(std::vector<std::string>(list.begin(), list.end()) == wanted,
+                wanted[0] + ", then " + wanted[1],
                 list.empty() ? "an empty white list" : "a white list that begins with " + list[0]);
   Probe::expect(!service.vendor_extension_service().has_data(), "data left out", "it is present");
 }
@@ -166,17 +173,23 @@ Checks discoveryChecks() {
   return {
       {"discovery.once", "One request gets one response.", answersOnce},
       {"discovery.again", "A second request is answered too, with the same services.", answersAgain},
-      {"discovery.identity", "The car's and the head unit's nine identity fields are all present.", tellsIdentity},
+      {"discovery.identity", "The car's and the head unit's nine identity fields are all present.",
+       tellsIdentity},
       {"discovery.ids", "Service ids ascend, are unique, and leave out 0 and 255.", numbersServices},
       {"discovery.one-kind", "Each service is of exactly one kind.", givesOneKind},
-      {"discovery.known-fields", "The response holds no field that discovery does not know.", knowsOnlyItsFields},
-      {"discovery.video", "A picture's sink tells all of each video configuration, and nothing of sound.", describesVideo},
-      {"discovery.audio", "A sound's sink tells its stream type and formats that are possible.", describesAudio},
+      {"discovery.known-fields", "The response holds no field that discovery does not know.",
+       knowsOnlyItsFields},
+      {"discovery.video", "A picture's sink tells all of each video configuration, and nothing of sound.",
+       describesVideo},
+      {"discovery.audio", "A sound's sink tells its stream type and formats that are possible.",
+       describesAudio},
       {"discovery.sensors", "Sensor types are listed in ascending order, once each.", sortsSensors},
       {"discovery.keycodes", "Key codes are listed in ascending order, once each.", sortsKeycodes},
-      {"discovery.pairing-methods", "Pairing methods are listed in ascending order, once each.", sortsPairingMethods},
+      {"discovery.pairing-methods", "Pairing methods are listed in ascending order, once each.",
+       sortsPairingMethods},
       {"discovery.cluster", "Image sizes are told exactly when the cluster shows images.", describesCluster},
-      {"discovery.verification", "The verification extension lists its two packages in order.", namesVerification},
+      {"discovery.verification", "The verification extension lists its two packages in order.",
+       namesVerification},
   };
 }
 

@@ -13,7 +13,7 @@ Bytes paddedPing(std::int64_t timestamp, std::size_t padding) {
   request.set_timestamp(timestamp);
   Bytes message = messageBytes(MESSAGE_PING_REQUEST, request);
   Bytes field = {0x7a};  // Field 15, length-delimited.
-  for (std::size_t rest = padding; ; rest >>= 7) {
+  for (std::size_t rest = padding;; rest >>= 7) {
     field.push_back(static_cast<std::uint8_t>((rest & 0x7f) | (rest > 0x7f ? 0x80 : 0)));
     if (rest <= 0x7f) break;
   }
@@ -56,7 +56,8 @@ void keepsChannelsApart(Probe& probe) {
   }
   expectEcho(probe, mark);
   if (service.has_vendor_extension_service()) return;
-  probe.await(channel, MESSAGE_UNEXPECTED_MESSAGE, "the refusal of a message that came between another's fragments");
+  probe.await(channel, MESSAGE_UNEXPECTED_MESSAGE,
+              "the refusal of a message that came between another's fragments");
 }
 
 void takesPlainFramesOnChannel0(Probe& probe) {
@@ -72,8 +73,9 @@ void keepsItsOwnRules(Probe& probe) {
   std::vector<std::string> broken = probe.violations();
   const auto& last = probe.link().violations();
   broken.insert(broken.end(), last.begin(), last.end());
-  Probe::expect(broken.empty(), "frames that keep every rule, on every link so far",
-                broken.empty() ? "" : std::to_string(broken.size()) + " times otherwise; first: " + broken.front());
+  Probe::expect(
+      broken.empty(), "frames that keep every rule, on every link so far",
+      broken.empty() ? "" : std::to_string(broken.size()) + " times otherwise; first: " + broken.front());
 }
 
 // What a link must no longer do after its stream was broken.
@@ -152,15 +154,20 @@ Checks frameChecks() {
       {"frames.joined", "A message cut into tiny fragments is understood.", joinsFragments},
       {"frames.long", "Messages of one, two and many full frames are understood.", takesLongMessages},
       {"frames.interleaved", "Fragments of two channels may take turns.", keepsChannelsApart},
-      {"frames.plain-control", "Channel 0 takes plain frames also after the handshake.", takesPlainFramesOnChannel0},
-      {"frames.control-piece", "A control frame that is only a piece is passed over, and the link lives.", passesOverPieceOfControl},
-      {"frames.rules", "The head unit's own frames keep the rules: flags, sizes, order, encryption.", keepsItsOwnRules},
+      {"frames.plain-control", "Channel 0 takes plain frames also after the handshake.",
+       takesPlainFramesOnChannel0},
+      {"frames.control-piece", "A control frame that is only a piece is passed over, and the link lives.",
+       passesOverPieceOfControl},
+      {"frames.rules", "The head unit's own frames keep the rules: flags, sizes, order, encryption.",
+       keepsItsOwnRules},
       {"framing.stray-middle", "A middle fragment without a first ends the link.", endsAtStrayMiddle},
       {"framing.stray-last", "A last fragment without a first ends the link.", endsAtStrayLast},
       {"framing.second-first", "A first fragment inside a message ends the link.", endsAtSecondFirst},
       {"framing.too-much", "Fragments that add up to more than announced end the link.", endsAtTooMuch},
-      {"framing.unknown-channel", "A frame on a channel that was never opened ends the link.", endsAtUnknownChannel},
-      {"framing.plain-service", "A plain frame on a service's channel ends the link.", endsAtPlainServiceFrame},
+      {"framing.unknown-channel", "A frame on a channel that was never opened ends the link.",
+       endsAtUnknownChannel},
+      {"framing.plain-service", "A plain frame on a service's channel ends the link.",
+       endsAtPlainServiceFrame},
       {"framing.damaged-record", "A damaged TLS record ends the link.", endsAtDamagedRecord},
   };
 }

@@ -15,7 +15,8 @@ int bindKeys(Probe& probe, std::uint8_t channel, const std::vector<int>& codes) 
   KeyBindingRequest request;
   for (const int code : codes) request.add_keycodes(code);
   probe.link().send(channel, MESSAGE_KEY_BINDING_REQUEST, request);
-  return probe.await<KeyBindingResponse>(channel, MESSAGE_KEY_BINDING_RESPONSE, "a KeyBindingResponse").status();
+  return probe.await<KeyBindingResponse>(channel, MESSAGE_KEY_BINDING_RESPONSE, "a KeyBindingResponse")
+      .status();
 }
 
 std::vector<int> offeredCodes(const Service& service) {
@@ -57,7 +58,8 @@ void refusesUnsupported(Probe& probe) {
   expectStatus(bindKeys(probe, channel, {noKey}), STATUS_INVALID_KEYCODE, "a key code that is not offered");
   std::vector<int> mixed = offeredCodes(service);
   mixed.push_back(noKey);
-  expectStatus(bindKeys(probe, channel, mixed), STATUS_INVALID_KEYCODE, "key codes of which one is not offered");
+  expectStatus(bindKeys(probe, channel, mixed), STATUS_INVALID_KEYCODE,
+               "key codes of which one is not offered");
   probe.close(channel);
 }
 
@@ -91,7 +93,8 @@ Checks inputChecks() {
       {"input.bind", "All key codes offered can be bound at once.", bindsAll},
       {"input.bind-twice", "A key code named twice is bound like one.", bindsEachTwice},
       {"input.bind-none", "A request for no key codes is accepted.", bindsNone},
-      {"input.unsupported", "A key code that is not offered refuses the whole request with status -18.", refusesUnsupported},
+      {"input.unsupported", "A key code that is not offered refuses the whole request with status -18.",
+       refusesUnsupported},
       {"input.unbound", "Without a binding no key is reported.", sendsNoUnboundKey},
       {"input.refused", "Damaged and unknown messages are refused.", refusesNonsense},
   };

@@ -15,8 +15,8 @@ class LinkUnderTest {
  public:
   virtual ~LinkUnderTest() = default;
   virtual PhoneLink& link() = 0;
-  /// Lets bytes travel both ways until `done`, or until `limit` is over; a medium on which nothing can happen any
-  /// more need not wait for that. True if `done` came.
+  /// Lets bytes travel both ways until `done`, or until `limit` is over; a medium on which nothing can happen
+  /// any more need not wait for that. True if `done` came.
   virtual bool runUntil(const std::function<bool()>& done, Micros limit) = 0;
 };
 

@@ -60,7 +60,8 @@ void expectAcknowledged(Probe& probe, std::uint8_t channel, const Config& config
   std::uint32_t acknowledged = 0;
   const auto all = static_cast<std::uint32_t>(units.size());
   while (acknowledged < all) {
-    while (sent < all && sent - acknowledged < allowed) probe.link().sendMessage(channel, mediaMessage(units[sent++]));
+    while (sent < all && sent - acknowledged < allowed)
+      probe.link().sendMessage(channel, mediaMessage(units[sent++]));
     const std::uint32_t more = takeAcks(probe, channel, session, patience);
     Probe::expect(more > 0, "all " + std::to_string(sent) + " units acknowledged",
                   std::to_string(acknowledged) + " of them within 1.5 s");

@@ -8,7 +8,8 @@ namespace {
 constexpr int limit = 3;
 
 std::uint8_t openMicrophoneChannel(Probe& probe) {
-  return probe.open(probe.find([](const Service& one) { return one.has_media_source_service(); }, "a microphone"));
+  return probe.open(
+      probe.find([](const Service& one) { return one.has_media_source_service(); }, "a microphone"));
 }
 
 MicrophoneResponse ask(Probe& probe, std::uint8_t channel, bool open) {
@@ -44,10 +45,12 @@ void sendsSound(Probe& probe) {
   const int session = openMicrophone(probe, channel);
   std::uint64_t last = 0;
   for (int i = 0; i < 3 * limit; ++i) {
-    const Message data = probe.await(channel, MESSAGE_MEDIA_DATA, "block " + std::to_string(i + 1) + " of sound");
+    const Message data =
+        probe.await(channel, MESSAGE_MEDIA_DATA, "block " + std::to_string(i + 1) + " of sound");
     Probe::expect(data.bodySize() > 8, "a timestamp and sound", std::to_string(data.bodySize()) + " bytes");
     const auto timestamp = readBigEndian<std::uint64_t>(data.body());
-    Probe::expect(i == 0 || timestamp > last, "timestamps that rise", std::to_string(timestamp) + " after " + std::to_string(last));
+    Probe::expect(i == 0 || timestamp > last, "timestamps that rise",
+                  std::to_string(timestamp) + " after " + std::to_string(last));
     last = timestamp;
     Ack ack;
     ack.set_session_id(session);
@@ -63,7 +66,8 @@ void honoursTheLimit(Probe& probe) {
   openMicrophone(probe, channel);
   probe.runUntil([&] { return probe.count(channel, MESSAGE_MEDIA_DATA) > limit; }, 300'000);
   const std::size_t came = probe.count(channel, MESSAGE_MEDIA_DATA);
-  Probe::expect(came <= limit, "at most " + std::to_string(limit) + " blocks without an Ack", std::to_string(came));
+  Probe::expect(came <= limit, "at most " + std::to_string(limit) + " blocks without an Ack",
+                std::to_string(came));
   ask(probe, channel, false);
   probe.close(channel);
 }
@@ -98,7 +102,8 @@ void refusesSinkMessages(Probe& probe) {
 
 Checks microphoneChecks() {
   return {
-      {"microphone.answer", "Opening and closing are answered, with a session exactly on success.", answersBoth},
+      {"microphone.answer", "Opening and closing are answered, with a session exactly on success.",
+       answersBoth},
       {"microphone.sound", "An open microphone sends sound with rising timestamps.", sendsSound},
       {"microphone.limit", "It sends no more than the phone allows without an Ack.", honoursTheLimit},
       {"microphone.closed", "A closed microphone is silent.", fallsSilent},

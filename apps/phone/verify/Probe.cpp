@@ -87,7 +87,8 @@ PhoneLink& Probe::freshUpLink() {
   PhoneLink& fresh = freshLink(options());
   runUntil([this] { return isUp(); }, bringUpLimit);
   if (isUp()) return fresh;
-  const std::string came = fresh.end() ? fresh.end()->words() : std::string("the link is ") + nameOf(fresh.state());
+  const std::string came =
+      fresh.end() ? fresh.end()->words() : std::string("the link is ") + nameOf(fresh.state());
   throw Mismatch{"a link that comes up", came};
 }
 
@@ -208,7 +209,8 @@ void Probe::expectTaken(std::uint8_t channel, const Bytes& message, const std::s
   link_->link().sendMessage(channel, message);
   settle();
   expect(!link_->link().end(), "the link lives on after " + what, whyNothing(channel));
-  expect(count(channel, MESSAGE_UNEXPECTED_MESSAGE) == before, what + " is taken", "it was refused as unexpected");
+  expect(count(channel, MESSAGE_UNEXPECTED_MESSAGE) == before, what + " is taken",
+         "it was refused as unexpected");
 }
 
 void Probe::expectSilence(std::uint8_t channel, const Bytes& message, const std::string& what) {

@@ -9,7 +9,7 @@
 
 namespace phone::verify {
 
-constexpr Micros patience = 1'500'000;     ///< For an answer that is due.
+constexpr Micros patience = 1'500'000;  ///< For an answer that is due.
 constexpr Micros bringUpLimit = 4'000'000;
 
 /// What a check works with: a link, ways to wait for what the head unit says, and ways to complain about it.
@@ -100,7 +100,7 @@ class Probe {
   std::unique_ptr<LinkUnderTest> link_;
   std::vector<Service> services_;
   std::map<int, std::uint8_t> channels_;                      ///< Those that are open, by service.
-  std::map<std::uint8_t, std::size_t> begin_;                ///< Messages of a channel when the check began.
+  std::map<std::uint8_t, std::size_t> begin_;                 ///< Messages of a channel when the check began.
   std::map<std::pair<std::uint8_t, int>, std::size_t> seen_;  ///< Messages of a type that were waited for.
   std::vector<std::string> violations_;
   std::int64_t pings_ = 0x5e771e;

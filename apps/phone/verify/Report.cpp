@@ -67,27 +67,31 @@ Micros timeOf(const Run& run) {
 }
 
 std::string barPiece(const Run& run, Outcome outcome) {
-  return std::string("<i class=\"") + nameOf(outcome) + "\" style=\"flex:" + std::to_string(run.count(outcome)) +
-         "\"></i>";
+  return std::string("<i class=\"") + nameOf(outcome) +
+         "\" style=\"flex:" + std::to_string(run.count(outcome)) + "\"></i>";
 }
 
 std::string details(const Result& result) {
   if (result.outcome == Outcome::passed) return "";
-  if (result.outcome == Outcome::skipped) return "<dl><dt>not offered</dt><dd>" + escaped(result.expected) + "</dd></dl>";
-  return "<dl><dt>expected</dt><dd>" + escaped(result.expected) + "</dd><dt>came</dt><dd>" + escaped(result.came) +
-         "</dd></dl>";
+  if (result.outcome == Outcome::skipped)
+    return "<dl><dt>not offered</dt><dd>" + escaped(result.expected) + "</dd></dl>";
+  return "<dl><dt>expected</dt><dd>" + escaped(result.expected) + "</dd><dt>came</dt><dd>" +
+         escaped(result.came) + "</dd></dl>";
 }
 
 std::string htmlRow(const Result& result) {
-  return std::string("<tr class=\"") + nameOf(result.outcome) + "\"><td class=\"name\">" + escaped(result.name) +
-         "</td><td>" + escaped(result.meaning) + details(result) + "</td><td class=\"mark\">" +
-         markOf(result.outcome) + "</td><td class=\"time\">" + seconds(result.took) + " s</td></tr>\n";
+  return std::string("<tr class=\"") + nameOf(result.outcome) + "\"><td class=\"name\">" +
+         escaped(result.name) + "</td><td>" + escaped(result.meaning) + details(result) +
+         "</td><td class=\"mark\">" + markOf(result.outcome) + "</td><td class=\"time\">" +
+         seconds(result.took) + " s</td></tr>\n";
 }
 
 }  // namespace
 
 std::string tableLine(const Result& result, bool coloured) {
-  const char* colour = result.outcome == Outcome::passed ? "\x1b[32m" : result.outcome == Outcome::failed ? "\x1b[31m" : "\x1b[90m";
+  const char* colour = result.outcome == Outcome::passed   ? "\x1b[32m"
+                       : result.outcome == Outcome::failed ? "\x1b[31m"
+                                                           : "\x1b[90m";
   char line[96];
   std::snprintf(line, sizeof line, "%-11s", markOf(result.outcome));
   std::string text = coloured ? std::string(colour) + line + "\x1b[0m" : std::string(line);
@@ -102,18 +106,20 @@ std::string tableLine(const Result& result, bool coloured) {
 }
 
 std::string summary(const Run& run) {
-  return std::to_string(run.count(Outcome::passed)) + " passed, " + std::to_string(run.count(Outcome::failed)) +
-         " failed, " + std::to_string(run.count(Outcome::skipped)) + " not offered, in " + seconds(timeOf(run)) + " s";
+  return std::to_string(run.count(Outcome::passed)) + " passed, " +
+         std::to_string(run.count(Outcome::failed)) + " failed, " +
+         std::to_string(run.count(Outcome::skipped)) + " not offered, in " + seconds(timeOf(run)) + " s";
 }
 
 std::string junitXml(const Run& run, const std::string& title) {
-  std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n<testsuite name=\"" + escaped(title) +
-                    "\" tests=\"" + std::to_string(run.results.size()) + "\" failures=\"" +
+  std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n<testsuite name=\"" +
+                    escaped(title) + "\" tests=\"" + std::to_string(run.results.size()) + "\" failures=\"" +
                     std::to_string(run.count(Outcome::failed)) + "\" errors=\"0\" skipped=\"" +
-                    std::to_string(run.count(Outcome::skipped)) + "\" time=\"" + seconds(timeOf(run)) + "\">\n";
+                    std::to_string(run.count(Outcome::skipped)) + "\" time=\"" + seconds(timeOf(run)) +
+                    "\">\n";
   for (const Result& result : run.results) {
-    xml += "<testcase classname=\"" + escaped(groupOf(result)) + "\" name=\"" + escaped(result.name) + "\" time=\"" +
-           seconds(result.took) + "\">";
+    xml += "<testcase classname=\"" + escaped(groupOf(result)) + "\" name=\"" + escaped(result.name) +
+           "\" time=\"" + seconds(result.took) + "\">";
     if (result.outcome == Outcome::skipped) xml += "<skipped message=\"" + escaped(result.expected) + "\"/>";
     if (result.outcome == Outcome::failed) {
       xml += "<failure message=\"" + escaped(result.meaning) + "\">expected: " + escaped(result.expected) +
@@ -127,10 +133,11 @@ std::string junitXml(const Run& run, const std::string& title) {
 std::string htmlPage(const Run& run, const std::string& title) {
   std::string page =
       "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
-      "<meta name=\"viewport\" content=\"width=device-width\"><title>Conformance of " + escaped(title) +
-      "</title><style>" + style + "</style></head><body>\n<h1>What a phone sees of " + escaped(title) +
-      "</h1>\n<p class=\"sub\">" + summary(run) + "</p>\n<div class=\"bar\">" + barPiece(run, Outcome::passed) +
-      barPiece(run, Outcome::failed) + barPiece(run, Outcome::skipped) + "</div>\n";
+      "<meta name=\"viewport\" content=\"width=device-width\"><title>Conformance of " +
+      escaped(title) + "</title><style>" + style + "</style></head><body>\n<h1>What a phone sees of " +
+      escaped(title) + "</h1>\n<p class=\"sub\">" + summary(run) + "</p>\n<div class=\"bar\">" +
+      barPiece(run, Outcome::passed) + barPiece(run, Outcome::failed) + barPiece(run, Outcome::skipped) +
+      "</div>\n";
   std::string group;
   for (const Result& result : run.results) {
     if (groupOf(result) != group) {

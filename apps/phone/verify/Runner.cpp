@@ -34,9 +34,8 @@ Result runOne(const Check& check, Probe& probe, bool keepLink) {
 }  // namespace
 
 std::size_t Run::count(Outcome outcome) const {
-  return static_cast<std::size_t>(std::count_if(results.begin(), results.end(), [outcome](const Result& result) {
-    return result.outcome == outcome;
-  }));
+  return static_cast<std::size_t>(std::count_if(
+      results.begin(), results.end(), [outcome](const Result& result) { return result.outcome == outcome; }));
 }
 
 const Result* Run::find(const std::string& name) const {
@@ -46,7 +45,8 @@ const Result* Run::find(const std::string& name) const {
   return nullptr;
 }
 
-Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials, const OnResult& onResult) {
+Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials,
+              const OnResult& onResult) {
   Probe probe(headUnit, credentials);
   Run run;
   bool keepLink = true;
@@ -83,9 +83,10 @@ Checks choose(const Checks& checks, const std::vector<std::string>& prefixes) {
 
 Checks allChecks() {
   Checks all;
-  for (const Checks& some : {bringUpChecks(), discoveryChecks(), controlChecks(), channelChecks(), videoChecks(),
-                             audioChecks(), microphoneChecks(), sensorChecks(), inputChecks(), carServiceChecks(),
-                             clusterServiceChecks(), verificationChecks(), frameChecks()}) {
+  for (const Checks& some :
+       {bringUpChecks(), discoveryChecks(), controlChecks(), channelChecks(), videoChecks(), audioChecks(),
+        microphoneChecks(), sensorChecks(), inputChecks(), carServiceChecks(), clusterServiceChecks(),
+        verificationChecks(), frameChecks()}) {
     all.insert(all.end(), some.begin(), some.end());
   }
   return all;

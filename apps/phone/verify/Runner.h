@@ -30,7 +30,8 @@ using OnResult = std::function<void(const Result&)>;
 
 /// Runs the checks one after the other. Once no link comes up several times in a row, those that need one are
 /// skipped, so that a dead head unit does not cost a deadline each.
-Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials, const OnResult& onResult = {});
+Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials,
+              const OnResult& onResult = {});
 
 /// The checks whose name begins with one of `prefixes`; all of them if there are none.
 Checks choose(const Checks& checks, const std::vector<std::string>& prefixes);

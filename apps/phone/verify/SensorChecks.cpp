@@ -24,7 +24,8 @@ std::vector<int> listedTypes(const Service& service) {
 int askFor(Probe& probe, std::uint8_t channel, int type, std::int64_t period) {
   probe.link().sendMessage(channel, sensorRequest(type, period));
   return probe
-      .await<SensorResponse>(channel, MESSAGE_SENSOR_RESPONSE, "a SensorResponse for sensor " + std::to_string(type))
+      .await<SensorResponse>(channel, MESSAGE_SENSOR_RESPONSE,
+                             "a SensorResponse for sensor " + std::to_string(type))
       .status();
 }
 
@@ -44,7 +45,8 @@ void acceptsListed(Probe& probe) {
   const std::uint8_t channel = probe.open(service);
   for (const int type : listedTypes(service)) {
     const int status = askFor(probe, channel, type, 100);
-    Probe::expect(status == STATUS_SUCCESS, "status 0 for sensor " + std::to_string(type), std::to_string(status));
+    Probe::expect(status == STATUS_SUCCESS, "status 0 for sensor " + std::to_string(type),
+                  std::to_string(status));
     askFor(probe, channel, type, -1);
   }
   probe.close(channel);
@@ -65,7 +67,8 @@ void respondsFirst(Probe& probe) {
       const auto batch = message.type() == MESSAGE_SENSOR_BATCH ? message.as<SensorBatch>() : std::nullopt;
       if (!batch || responses == asked.size()) continue;
       Probe::expect(typesIn(*batch).count(type) == 0,
-                    "the response ahead of the first value of sensor " + std::to_string(type), "the value first");
+                    "the response ahead of the first value of sensor " + std::to_string(type),
+                    "the value first");
     }
   }
 }
@@ -151,7 +154,8 @@ Checks sensorChecks() {
       {"sensor.stop", "A period of -1 stops a sensor.", stopsAtMinusOne},
       {"sensor.complete", "Every record in a batch is whole and known.", fillsBatches},
       {"sensor.unlisted", "A sensor that is not listed is refused with status -9.", refusesUnlisted},
-      {"sensor.refused", "Requests for no sensor, damaged and unknown messages are refused.", refusesNonsense},
+      {"sensor.refused", "Requests for no sensor, damaged and unknown messages are refused.",
+       refusesNonsense},
   };
 }
 

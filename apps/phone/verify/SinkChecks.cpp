@@ -110,10 +110,11 @@ void answersVideoFocus(Probe& probe) {
 
 void expectSinkRefusals(Probe& probe, std::uint8_t channel) {
   probe.expectRefused(channel, messageBytes(MESSAGE_SETUP), "a Setup without a codec");
-  probe.expectRefused(channel, messageBytes(MESSAGE_START, Bytes{0x08, 0x01}), "a Start without a configuration");
+  probe.expectRefused(channel, messageBytes(MESSAGE_START, Bytes{0x08, 0x01}),
+                      "a Start without a configuration");
   for (const std::uint16_t type : std::initializer_list<std::uint16_t>{
-           2, 0x7fff, MESSAGE_CONFIG, MESSAGE_ACK, MESSAGE_MICROPHONE_REQUEST, MESSAGE_VIDEO_FOCUS_NOTIFICATION,
-           0x8009}) {
+           2, 0x7fff, MESSAGE_CONFIG, MESSAGE_ACK, MESSAGE_MICROPHONE_REQUEST,
+           MESSAGE_VIDEO_FOCUS_NOTIFICATION, 0x8009}) {
     probe.expectRefused(channel, messageBytes(type), "type " + hex(type) + " on a sink's channel");
   }
 }
@@ -134,7 +135,8 @@ void survivesShortData(Probe& probe) {
 
 void takesStopWithoutStart(Probe& probe) {
   const std::uint8_t channel = probe.open(video(probe));
-  for (int i = 0; i < 2; ++i) probe.expectTaken(channel, messageBytes(MESSAGE_STOP), "a Stop without a Start");
+  for (int i = 0; i < 2; ++i)
+    probe.expectTaken(channel, messageBytes(MESSAGE_STOP), "a Stop without a Start");
   probe.close(channel);
 }
 
@@ -154,7 +156,8 @@ void acknowledgesSound(Probe& probe) {
     const Config config = setUp(probe, channel, service);
     const std::uint32_t index = config.configuration_indices_size() > 0 ? config.configuration_indices(0) : 0;
     const auto& formats = service.media_sink_service().audio_configs();
-    Probe::expect(static_cast<int>(index) < formats.size(), "a configuration that is offered", std::to_string(index));
+    Probe::expect(static_cast<int>(index) < formats.size(), "a configuration that is offered",
+                  std::to_string(index));
     const int session = 100 + service.id();
     probe.expectTaken(channel, startMessage(session, index), "Start");
     expectAcknowledged(probe, channel, config, session, sound(formats.Get(static_cast<int>(index)), 8));
@@ -182,22 +185,26 @@ void refusesOnSound(Probe& probe) {
 
 Checks videoChecks() {
   return {
-      {"video.config", "Setup is answered by a READY Config with a limit and indices that exist.", configuresVideo},
+      {"video.config", "Setup is answered by a READY Config with a limit and indices that exist.",
+       configuresVideo},
       {"video.config-first", "Config comes ahead of any VideoFocusNotification.", configuresBeforeFocus},
       {"video.setup-again", "A second Setup is answered like the first.", answersEachSetup},
       {"video.other-codec", "Setup of another codec than video gets no answer.", ignoresOtherCodecs},
-      {"video.acks", "Each picture is acknowledged once, in its session, also in a second session.", acknowledgesPictures},
+      {"video.acks", "Each picture is acknowledged once, in its session, also in a second session.",
+       acknowledgesPictures},
       {"video.focus", "Video focus requests are answered, with both fields told.", answersVideoFocus},
       {"video.stop", "Stop without Start is taken in silence.", takesStopWithoutStart},
       {"video.refused", "Damaged and unknown messages on the picture's channel are refused.", refusesOnVideo},
-      {"video.short-data", "Media data too short for its timestamp does not end the link.", survivesShortData},
+      {"video.short-data", "Media data too short for its timestamp does not end the link.",
+       survivesShortData},
   };
 }
 
 Checks audioChecks() {
   return {
       {"audio.config", "Each sink answers Setup with a READY Config.", configuresAudio},
-      {"audio.acks", "Each block of sound is acknowledged once, in its session, on each sink.", acknowledgesSound},
+      {"audio.acks", "Each block of sound is acknowledged once, in its session, on each sink.",
+       acknowledgesSound},
       {"audio.no-focus", "A sink of sound refuses video focus requests.", refusesFocusOnSound},
       {"audio.refused", "Damaged and unknown messages on a channel of sound are refused.", refusesOnSound},
   };

@@ -41,7 +41,8 @@ class SocketLink : public LinkUnderTest {
   void waitFor(Micros left) {
     pollfd polled{socket_.descriptor(), POLLIN, 0};
     if (sent_ < sending_.size() || link_.hasOutput()) polled.events |= POLLOUT;
-    if (::poll(&polled, 1, static_cast<int>(left / 1000 + 1)) > 0 && (polled.revents & ~POLLOUT) != 0) readSome();
+    if (::poll(&polled, 1, static_cast<int>(left / 1000 + 1)) > 0 && (polled.revents & ~POLLOUT) != 0)
+      readSome();
   }
 
   void readSome() {
@@ -60,7 +61,8 @@ class SocketLink : public LinkUnderTest {
         sent_ = 0;
       }
       if (sending_.empty()) return;
-      const ssize_t sent = ::send(socket_.descriptor(), &sending_[sent_], sending_.size() - sent_, MSG_NOSIGNAL);
+      const ssize_t sent =
+          ::send(socket_.descriptor(), &sending_[sent_], sending_.size() - sent_, MSG_NOSIGNAL);
       // A head unit that has gone may have told why: that is read before the link is given up.
       if (sent < 0 && !wouldBlock()) return readSome();
       if (sent <= 0) return;
@@ -80,7 +82,8 @@ class SocketLink : public LinkUnderTest {
 Socket SocketHeadUnit::reach(std::string* error) {
   if (!listener_) return connectTo(endpoint_, connectLimit, wake_, error);
   pollfd polled{listener_.descriptor(), POLLIN, 0};
-  if (::poll(&polled, 1, static_cast<int>(connectLimit / 1000)) > 0) return acceptOne(listener_, wake_, error);
+  if (::poll(&polled, 1, static_cast<int>(connectLimit / 1000)) > 0)
+    return acceptOne(listener_, wake_, error);
   *error = "no head unit has connected within 4 s";
   return Socket();
 }

@@ -27,7 +27,8 @@ X509Pointer signedByItself(EVP_PKEY* key) {
   X509_gmtime_adj(X509_getm_notAfter(it), day);
   X509_set_pubkey(it, key);
   X509_NAME* const name = X509_get_subject_name(it);
-  X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("stranger"), -1, -1, 0);
+  X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("stranger"), -1,
+                             -1, 0);
   X509_set_issuer_name(it, name);
   if (X509_sign(it, key, EVP_sha256()) == 0) throw std::runtime_error("OpenSSL cannot sign a certificate");
   return certificate;

@@ -15,7 +15,8 @@ Service extension(Probe& probe) {
 }
 
 Service sensors(Probe& probe) {
-  return probe.find([](const Service& one) { return one.sensor_source_service().sensors_size() > 0; }, "sensors");
+  return probe.find([](const Service& one) { return one.sensor_source_service().sensors_size() > 0; },
+                    "sensors");
 }
 
 Service input(Probe& probe) {
@@ -24,7 +25,8 @@ Service input(Probe& probe) {
 
 void refusesUnknown(Probe& probe) {
   const std::uint8_t channel = probe.channelOf(extension(probe));
-  for (const std::uint16_t type : std::initializer_list<std::uint16_t>{0x8002, 0x8006, 0x8007, 0x8009, 0x800b, 0x800c, 1}) {
+  for (const std::uint16_t type :
+       std::initializer_list<std::uint16_t>{0x8002, 0x8006, 0x8007, 0x8009, 0x800b, 0x800c, 1}) {
     probe.expectRefused(channel, messageBytes(type), "type " + hex(type) + " on the verification channel");
   }
   probe.expectRefused(channel, messageBytes(MESSAGE_VANTRY_VERIFICATION_INJECT_INPUT), "an empty injection");
@@ -56,9 +58,10 @@ void capturesScreen(Probe& probe) {
   const auto* header = reinterpret_cast<const std::uint8_t*>(png.data());
   const auto width = static_cast<int>(readBigEndian<std::uint32_t>(header + 16));
   const auto height = static_cast<int>(readBigEndian<std::uint32_t>(header + 20));
-  Probe::expect(width == size.native_width() && height == size.native_height(),
-                "a picture of " + std::to_string(size.native_width()) + " x " + std::to_string(size.native_height()),
-                std::to_string(width) + " x " + std::to_string(height));
+  Probe::expect(
+      width == size.native_width() && height == size.native_height(),
+      "a picture of " + std::to_string(size.native_width()) + " x " + std::to_string(size.native_height()),
+      std::to_string(width) + " x " + std::to_string(height));
 }
 
 void forcesAudioFocus(Probe& probe) {
@@ -69,10 +72,11 @@ void forcesAudioFocus(Probe& probe) {
     focus.set_channel(0);
     focus.set_unsolicited(true);
     probe.link().send(channel, MESSAGE_VANTRY_VERIFICATION_AUDIO_FOCUS, focus);
-    const auto told = probe.await<AudioFocusNotification>(0, MESSAGE_AUDIO_FOCUS_NOTIFICATION, "the forced focus");
-    Probe::expect(told.focus_state() == state && told.unsolicited(),
-                  "state " + std::to_string(state) + ", unsolicited",
-                  "state " + std::to_string(told.focus_state()) + (told.unsolicited() ? ", unsolicited" : ""));
+    const auto told =
+        probe.await<AudioFocusNotification>(0, MESSAGE_AUDIO_FOCUS_NOTIFICATION, "the forced focus");
+    Probe::expect(
+        told.focus_state() == state && told.unsolicited(), "state " + std::to_string(state) + ", unsolicited",
+        "state " + std::to_string(told.focus_state()) + (told.unsolicited() ? ", unsolicited" : ""));
   }
 }
 
@@ -89,7 +93,8 @@ void forcesVideoFocus(Probe& probe) {
     probe.link().send(channel, MESSAGE_VANTRY_VERIFICATION_VIDEO_FOCUS, focus);
     const auto told =
         probe.await<VideoFocusNotification>(picture, MESSAGE_VIDEO_FOCUS_NOTIFICATION, "the forced focus");
-    Probe::expect(told.focus() == mode && told.unsolicited(), "mode " + std::to_string(mode) + ", unsolicited",
+    Probe::expect(told.focus() == mode && told.unsolicited(),
+                  "mode " + std::to_string(mode) + ", unsolicited",
                   "mode " + std::to_string(told.focus()) + (told.unsolicited() ? ", unsolicited" : ""));
   }
   probe.close(picture);
@@ -135,7 +140,8 @@ void pushesSensors(Probe& probe) {
   probe.await(channel, MESSAGE_SENSOR_RESPONSE, "a SensorResponse");
   inject(probe, probe.channelOf(verification), value);
   Probe::expect(probe.runUntil([&] { return holds(probe, channel, value); }),
-                "the injected value of sensor " + std::to_string(type) + ", alone in its batch", probe.cameOn(channel));
+                "the injected value of sensor " + std::to_string(type) + ", alone in its batch",
+                probe.cameOn(channel));
 }
 
 void parksSensors(Probe& probe) {
@@ -153,7 +159,8 @@ void parksSensors(Probe& probe) {
   const Message response = probe.await(channel, MESSAGE_SENSOR_RESPONSE, "a SensorResponse");
   const Message batch = probe.await(channel, MESSAGE_SENSOR_BATCH, "the value that was kept back");
   Probe::expect(response.order < batch.order, "the response ahead of the value", "the other order");
-  Probe::expect(typesIn(*batch.as<SensorBatch>()).count(type) == 1, "sensor " + std::to_string(type), "another sensor");
+  Probe::expect(typesIn(*batch.as<SensorBatch>()).count(type) == 1, "sensor " + std::to_string(type),
+                "another sensor");
 }
 
 void injectInput(Probe& probe, const InputReport& report) {
@@ -192,10 +199,13 @@ void reportsBoundKeys(Probe& probe) {
   bindKeys(probe, channel, {someKey(service)});
   injectInput(probe, key(someKey(service)));
   const auto report = probe.await<InputReport>(channel, MESSAGE_INPUT_REPORT, "a report of the injected key");
-  Probe::expect(report.key_event().keys_size() == 1, "one key", std::to_string(report.key_event().keys_size()));
+  Probe::expect(report.key_event().keys_size() == 1, "one key",
+                std::to_string(report.key_event().keys_size()));
   const KeyEvent_Key& one = report.key_event().keys(0);
-  Probe::expect(static_cast<int>(one.keycode()) == someKey(service) && one.down() && one.has_longpress() && !one.longpress(),
-                "the injected key, pressed and not long", "key " + std::to_string(one.keycode()) + (one.longpress() ? ", long" : ""));
+  Probe::expect(static_cast<int>(one.keycode()) == someKey(service) && one.down() && one.has_longpress() &&
+                    !one.longpress(),
+                "the injected key, pressed and not long",
+                "key " + std::to_string(one.keycode()) + (one.longpress() ? ", long" : ""));
   bindKeys(probe, channel, {});
   probe.close(channel);
 }
@@ -220,7 +230,8 @@ void keepsBindingsAfterRefusal(Probe& probe) {
   bindKeys(probe, channel, {someKey(service)});
   bindKeys(probe, channel, {someKey(service), 999'999});
   injectInput(probe, key(someKey(service)));
-  probe.await(channel, MESSAGE_INPUT_REPORT, "a report of a key whose binding a refused request must not touch");
+  probe.await(channel, MESSAGE_INPUT_REPORT,
+              "a report of a key whose binding a refused request must not touch");
   bindKeys(probe, channel, {});
   probe.close(channel);
 }
@@ -240,9 +251,11 @@ void reportsTouches(Probe& probe) {
   touch.mutable_touch_event()->set_action_index(1);
   touch.mutable_touch_event()->set_action(POINTER_ACTION_5);
   injectInput(probe, touch);
-  const auto report = probe.await<InputReport>(channel, MESSAGE_INPUT_REPORT, "a report of the injected touch");
+  const auto report =
+      probe.await<InputReport>(channel, MESSAGE_INPUT_REPORT, "a report of the injected touch");
   Probe::expect(report.touch_event().SerializeAsString() == touch.touch_event().SerializeAsString(),
-                "both pointers, in their order", std::to_string(report.touch_event().pointer_data_size()) + " pointers");
+                "both pointers, in their order",
+                std::to_string(report.touch_event().pointer_data_size()) + " pointers");
   probe.close(channel);
 }
 
@@ -255,12 +268,18 @@ Checks verificationChecks() {
       {"verification.capture", "A screen capture is a PNG of the display's size.", capturesScreen},
       {"verification.audio-focus", "Forced audio focus is told as unsolicited.", forcesAudioFocus},
       {"verification.video-focus", "Forced video focus is told as unsolicited.", forcesVideoFocus},
-      {"verification.sensor", "An injected value of a sensor that was asked for comes at once.", pushesSensors},
-      {"verification.parked", "A value that nobody asked for is kept back until its sensor is.", parksSensors},
-      {"verification.key", "An injected key that is bound is reported, with all its fields.", reportsBoundKeys},
-      {"verification.unbound-key", "An injected key that is no longer bound is not reported.", keepsUnboundKeys},
-      {"verification.kept-binding", "A refused binding request leaves earlier bindings as they were.", keepsBindingsAfterRefusal},
-      {"verification.touch", "An injected touch is reported without a binding, pointers in order.", reportsTouches},
+      {"verification.sensor", "An injected value of a sensor that was asked for comes at once.",
+       pushesSensors},
+      {"verification.parked", "A value that nobody asked for is kept back until its sensor is.",
+       parksSensors},
+      {"verification.key", "An injected key that is bound is reported, with all its fields.",
+       reportsBoundKeys},
+      {"verification.unbound-key", "An injected key that is no longer bound is not reported.",
+       keepsUnboundKeys},
+      {"verification.kept-binding", "A refused binding request leaves earlier bindings as they were.",
+       keepsBindingsAfterRefusal},
+      {"verification.touch", "An injected touch is reported without a binding, pointers in order.",
+       reportsTouches},
   };
 }
 

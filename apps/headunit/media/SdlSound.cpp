@@ -14,12 +14,12 @@ namespace {
 constexpr Uint16 DEVICE_FRAMES = 512;  // about 11 ms
 
 SDL_AudioSpec formatOf(unsigned int rate, unsigned int channels, unsigned int frames) {
-  SDL_AudioSpec spec{};
-  spec.freq = static_cast<int>(rate);
-  spec.format = AUDIO_S16SYS;
-  spec.channels = static_cast<Uint8>(channels);
-  spec.samples = static_cast<Uint16>(frames);
-  return spec;
+  SDL_AudioSpec format{};
+  format.freq = static_cast<int>(rate);
+  format.format = AUDIO_S16SYS;
+  format.channels = static_cast<Uint8>(channels);
+  format.samples = static_cast<Uint16>(frames);
+  return format;
 }
 
 bool startAudio(std::string* error) {
@@ -39,10 +39,10 @@ class SdlOutput : public SoundOutput {
   }
 
   bool open(std::string* error) {
-    SDL_AudioSpec spec = formatOf(MIX_RATE, MIX_CHANNELS, DEVICE_FRAMES);
-    spec.callback = play;
-    spec.userdata = mixer_;
-    device_ = SDL_OpenAudioDevice(nullptr, 0, &spec, nullptr, 0);
+    SDL_AudioSpec format = formatOf(MIX_RATE, MIX_CHANNELS, DEVICE_FRAMES);
+    format.callback = play;
+    format.userdata = mixer_;
+    device_ = SDL_OpenAudioDevice(nullptr, 0, &format, nullptr, 0);
     if (device_ == 0) *error = SDL_GetError();
     if (device_ != 0) SDL_PauseAudioDevice(device_, 0);
     return device_ != 0;
@@ -91,10 +91,10 @@ class SdlMicrophone : public Microphone {
 
  private:
   void listen() {
-    SDL_AudioSpec spec = formatOf(MICROPHONE_RATE, 1, MICROPHONE_BLOCK);
-    spec.callback = hear;
-    spec.userdata = this;
-    const SDL_AudioDeviceID device = SDL_OpenAudioDevice(nullptr, 1, &spec, nullptr, 0);
+    SDL_AudioSpec format = formatOf(MICROPHONE_RATE, 1, MICROPHONE_BLOCK);
+    format.callback = hear;
+    format.userdata = this;
+    const SDL_AudioDeviceID device = SDL_OpenAudioDevice(nullptr, 1, &format, nullptr, 0);
     if (device == 0) {
       spdlog::warn("The microphone cannot be opened: {}.", SDL_GetError());
       return;

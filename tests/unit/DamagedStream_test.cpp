@@ -99,7 +99,7 @@ long residentKilobytes() {
 }
 
 TEST_F(DamagedStreamTest, FourGigabytesAnnouncedAndOneByteSentCostNextToNothing) {
-  const long before = residentKilobytes();
+  [[maybe_unused]] const long before = residentKilobytes();
   long during = 0;
   bool delivered = false;
   struct Sink : RecordingEndpoint {

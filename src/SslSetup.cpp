@@ -106,7 +106,8 @@ void SslWrapper::shutdown() {
     if (sslBio != nullptr) BIO_free_all(sslBio);
     SSL_set_bio(ssl, nullptr, nullptr);
     SSL_free(ssl);
-  } else {
+  }
+  if (ssl == nullptr || sslBio == nullptr) {  // `ssl` never took them over
     if (readBio != nullptr) BIO_free(readBio);
     if (writeBio != nullptr) BIO_free(writeBio);
   }

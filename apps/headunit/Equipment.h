@@ -5,12 +5,15 @@
 #include <optional>
 #include <set>
 
+#include "headunit/Cluster.h"
+#include "headunit/ClusterKeys.h"
 #include "headunit/Controls.h"
 #include "headunit/Credentials.h"
 #include "headunit/DriveScript.h"
 #include "headunit/Microphone.h"
 #include "headunit/Mixer.h"
 #include "headunit/RecentLines.h"
+#include "headunit/SlowWork.h"
 #include "headunit/TouchScript.h"
 #include "headunit/VideoPipeline.h"
 
@@ -30,6 +33,10 @@ struct Equipment {
   const DriveScript* drive = nullptr;
   std::optional<TouchScript> touches;
   RecentLines* libraryLines = nullptr;
+  Cluster* cluster = nullptr;
+  ClusterKeys* clusterKeys = nullptr;
+  SlowWork* slowWork = nullptr;
+  std::function<Image(const std::string&)> decodeImage;  ///< of an image file's bytes; null if it is none
 };
 
 }  // namespace headunit

@@ -38,6 +38,9 @@ bool Car::equip(std::string* error) {
   equipment_.drive = &drive_;
   equipment_.touches = options_.touches;
   equipment_.libraryLines = &libraryLines();
+  equipment_.cluster = &cluster_;
+  equipment_.clusterKeys = &clusterKeys_;
+  equipment_.slowWork = &slowWork_;
   return true;
 }
 

@@ -21,6 +21,9 @@ class Car {
   const Equipment& equipment() const { return equipment_; }
   PictureSlot* slot() { return &slot_; }
   Controls* controls() { return &controls_; }
+  Cluster* cluster() { return &cluster_; }
+  ClusterKeys* clusterKeys() { return &clusterKeys_; }
+  SlowWork* slowWork() { return &slowWork_; }
 
   /// Plays out the sound and closes its file.
   void finish();
@@ -32,6 +35,7 @@ class Car {
   bool usesDevices() const;
 
   const Options& options_;
+  Equipment equipment_;
   PictureSlot slot_;
   FrameBudget budget_;
   Mixer mixer_;
@@ -40,7 +44,9 @@ class Car {
   std::unique_ptr<SoundOutput> sound_;
   std::unique_ptr<Microphone> microphone_;
   PacedThread microphoneThread_;
-  Equipment equipment_;
+  Cluster cluster_;
+  ClusterKeys clusterKeys_;
+  SlowWork slowWork_{1};  // last to be made and first to go: its work uses all of the above
 };
 
 }  // namespace headunit

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "Pump.h"
+
 namespace test {
 
 void HostJournal::note(const std::string& event) {
@@ -131,13 +133,7 @@ void LiveLink::joins() {
 }
 
 bool LiveLink::pumpUntil(const std::function<bool()>& done) {
-  for (;;) {
-    if (phone_->hasOutput()) transport_->gives(phone_->takeOutput());
-    if (done()) return true;
-    const Bytes data = transport_->waitsForBytes();
-    if (data.empty()) return false;  // the transfers were aborted
-    phone_->feed(data);
-  }
+  return pump(phone_.get(), transport_.get(), done);
 }
 
 bool LiveLink::comesUp() {

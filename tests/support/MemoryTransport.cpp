@@ -1,6 +1,7 @@
 #include "MemoryTransport.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace test {
 namespace {
@@ -27,8 +28,9 @@ void MemoryTransport::ends() {
 }
 
 Bytes MemoryTransport::waitsForBytes() {
+  constexpr std::chrono::minutes LONG_ENOUGH(2);
   std::unique_lock<std::mutex> guard(lock);
-  changed.wait(guard, [this] { return !outgoing.empty() || abortCount > 0; });
+  changed.wait_for(guard, LONG_ENOUGH, [this] { return !outgoing.empty() || abortCount > 0; });
   Bytes result;
   result.swap(outgoing);
   return result;

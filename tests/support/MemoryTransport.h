@@ -23,7 +23,8 @@ class MemoryTransport : public Transport {
   void gives(const Bytes& data);
   /// The stream ends: once what was given has been read, reads fail.
   void ends();
-  /// Bytes written since the last look; blocks until there are some or the transfers have been aborted.
+  /// Bytes written since the last look; blocks until there are some or the transfers have been aborted. None
+  /// also if nothing comes for minutes, so that a test whose link hangs fails by itself.
   Bytes waitsForBytes();
   /// Bytes written since the last look, which may be none.
   Bytes takesBytes();

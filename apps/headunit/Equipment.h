@@ -16,6 +16,7 @@
 #include "headunit/SlowWork.h"
 #include "headunit/TouchScript.h"
 #include "headunit/VideoPipeline.h"
+#include "headunit/services/PairedPhones.h"
 
 namespace headunit {
 
@@ -37,6 +38,9 @@ struct Equipment {
   ClusterKeys* clusterKeys = nullptr;
   SlowWork* slowWork = nullptr;
   std::function<Image(const std::string&)> decodeImage;  ///< of an image file's bytes; null if it is none
+  PairedPhones* pairedPhones = nullptr;
+  bool autoPair = false;      ///< pairs without asking the user
+  bool opensBrowser = false;  ///< shows what can be played without the user's asking
 };
 
 }  // namespace headunit

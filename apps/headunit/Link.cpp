@@ -2,20 +2,10 @@
 
 #include "headunit/ControlCallbacks.h"
 #include "headunit/VideoCallbacks.h"
+#include "headunit/services/ServiceIds.h"
 
 namespace headunit {
 namespace {
-
-enum ServiceId : int {
-  VIDEO = 1,
-  MEDIA_SOUND,
-  GUIDANCE,
-  SYSTEM_SOUND,
-  TELEPHONY,
-  MICROPHONE,
-  INPUT,
-  SENSORS
-};
 
 // Enough for the next frames to be on their way while one is decoded, and little enough to stay current.
 constexpr int MAX_UNACKED_FRAMES = 4;
@@ -48,6 +38,7 @@ bool Link::start(std::string* error) {
   offerMicrophone();
   offerInput();
   offerSensors();
+  offerCluster();
   describe();
   const Credentials& own = equipment_.credentials;
   if (!receiver_.controller().setClientCreds(own.root, own.certificate, own.key)) {
@@ -126,6 +117,13 @@ void Link::offerSensors() {
   players_.add(drive_.get());
 }
 
+void Link::offerCluster() {
+  cluster_ = std::make_unique<ClusterServices>(equipment_, receiver_.messageRouter());
+  for (ProtocolEndpointBase* const endpoint : cluster_->endpoints()) offer(endpoint);
+  players_.add(cluster_->tuner());
+  cluster_->begin();
+}
+
 void Link::describe() {
   Controller& controller = receiver_.controller();
   controller.setMake("Vantry");
@@ -149,7 +147,10 @@ void Link::ping() {
   receiver_.controller().sendPingRequest(now.count(), false);
 }
 
-void Link::sayBye() { receiver_.controller().sendByeByeRequest(BYE_BYE_REASON_1); }
+void Link::sayBye() {
+  cluster_->leave();
+  receiver_.controller().sendByeByeRequest(BYE_BYE_REASON_1);
+}
 
 // First whatever sends on its own, then the transport, and last what still needs the receiver to acknowledge.
 void Link::stop() {
@@ -158,6 +159,7 @@ void Link::stop() {
   duration_ = between(stats_->started(), Clock::now());
   players_.stop();
   equipment_.controls->detach();
+  if (cluster_) cluster_->end();
   if (microphone_) microphone_->close();
   transport_.requestStop();
   if (running_) transport_.waitForExit();
@@ -177,6 +179,7 @@ LinkRecord Link::record(LinkEnd end) const {
   if (microphone_) record.microphone = microphone_->totals();
   record.controls = controlTotals_;
   if (drive_) record.sensorReports = drive_->reports();
+  if (cluster_) record.services = cluster_->totals();
   return record;
 }
 

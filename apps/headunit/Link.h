@@ -19,6 +19,7 @@
 #include "headunit/Report.h"
 #include "headunit/SoundService.h"
 #include "headunit/TcpTransport.h"
+#include "headunit/services/ClusterServices.h"
 
 namespace headunit {
 
@@ -54,6 +55,7 @@ class Link {
   void offerMicrophone();
   void offerInput();
   void offerSensors();
+  void offerCluster();
 
   const Equipment& equipment_;
   LinkJournal journal_;
@@ -70,6 +72,7 @@ class Link {
   std::unique_ptr<SensorSource> sensors_;
   std::unique_ptr<DrivePlayer> drive_;
   std::unique_ptr<TouchPlayer> touches_;
+  std::unique_ptr<ClusterServices> cluster_;
   PacedThread players_;
   microseconds duration_{0};
   bool running_ = false;

@@ -21,6 +21,8 @@ struct Options {
   std::string microphone;  ///< empty: the machine's own
   std::string drive;       ///< empty: the one that is built in
   std::optional<TouchScript> touches;
+  bool autoPair = false;
+  bool browse = false;
   std::string snapshot;
   std::uint64_t exitAfterFrames = 0;  ///< 0: goes on
   std::string stats;

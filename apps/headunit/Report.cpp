@@ -77,6 +77,36 @@ Json controlFigures(const LinkRecord& record) {
           {"touch_to_picture_us", spread(record.stats->touches())}};
 }
 
+Json serviceFigures(const ServiceTotals& totals) {
+  return {
+      {"pairing",
+       {{"opened", totals.pairingOpened},
+        {"requests", totals.pairingRequests},
+        {"delayed", totals.pairingsDelayed},
+        {"accepted", totals.pairingsAccepted},
+        {"refused", totals.pairingsRefused}}},
+      {"radio",
+       {{"opened", totals.radioOpened}, {"commands", totals.radioCommands}, {"scans", totals.radioScans}}},
+      {"navigation",
+       {{"opened", totals.navigationOpened}, {"turns", totals.turns}, {"distances", totals.distances}}},
+      {"playback",
+       {{"opened", totals.playbackOpened}, {"states", totals.playbackStates}, {"songs", totals.songs}}},
+      {"phone", {{"opened", totals.phoneOpened}, {"states", totals.phoneStates}, {"calls", totals.calls}}},
+      {"browser",
+       {{"opened", totals.browserOpened},
+        {"pages", totals.browserPages},
+        {"actions", totals.browserActions}}},
+      {"notification",
+       {{"opened", totals.notificationOpened},
+        {"shown", totals.notificationsShown},
+        {"dismissed", totals.notificationsDismissed},
+        {"sent", totals.notificationsSent},
+        {"acknowledged", totals.notificationsAcknowledged}}},
+      {"echo", {{"opened", totals.echoOpened}, {"messages", totals.echoes}}},
+      {"images_decoded", totals.images},
+      {"keys", totals.keys}};
+}
+
 Json latencyFigures(const VideoLatencies& latencies) {
   return {{"socket_to_received", spread(latencies.socketToReceived)},
           {"received_to_dequeued", spread(latencies.receivedToDequeued)},
@@ -96,6 +126,7 @@ std::string toJson(const LinkRecord& record) {
   figures["microphone"] = microphoneFigures(record.microphone);
   figures["input"] = controlFigures(record);
   figures["sensors"] = {{"reports", record.sensorReports}};
+  figures["services"] = serviceFigures(record.services);
   figures["end"] = {{"clean", record.end.clean}, {"words", record.end.words()}};
   // The words may hold what a phone made up; that must not make the file unwritable.
   return figures.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -10,6 +10,7 @@
 #include "headunit/LinkEnd.h"
 #include "headunit/LinkStats.h"
 #include "headunit/MicrophoneFeed.h"
+#include "headunit/services/ServiceTotals.h"
 
 namespace headunit {
 
@@ -24,6 +25,7 @@ struct LinkRecord {
   MicrophoneTotals microphone;
   ControlTotals controls;
   std::uint64_t sensorReports = 0;
+  ServiceTotals services;
 };
 
 /// As it goes into the statistics file: JSON with one value or one brace a line, each duration and rate with

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "headunit/media/FfmpegDecoder.h"
+#include "headunit/media/ImageDecoder.h"
 #include "headunit/media/KeyMap.h"
 #include "headunit/media/SdlSound.h"
 #include "headunit/program/HostLog.h"
@@ -41,6 +42,10 @@ bool Car::equip(std::string* error) {
   equipment_.cluster = &cluster_;
   equipment_.clusterKeys = &clusterKeys_;
   equipment_.slowWork = &slowWork_;
+  equipment_.decodeImage = decodeImage;
+  equipment_.pairedPhones = &pairedPhones_;
+  equipment_.autoPair = options_.autoPair;
+  equipment_.opensBrowser = options_.browse;
   return true;
 }
 

@@ -46,6 +46,7 @@ class Car {
   PacedThread microphoneThread_;
   Cluster cluster_;
   ClusterKeys clusterKeys_;
+  PairedPhones pairedPhones_;
   SlowWork slowWork_{1};  // last to be made and first to go: its work uses all of the above
 };
 

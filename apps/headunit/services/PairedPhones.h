@@ -1,0 +1,26 @@
+#pragma once
+
+#include <mutex>
+#include <set>
+#include <string>
+
+namespace headunit {
+
+/// The phones that this car has been paired with, for as long as the program runs. Any thread.
+class PairedPhones {
+ public:
+  bool knows(const std::string& address) const {
+    const std::lock_guard lock(mutex_);
+    return addresses_.count(address) > 0;
+  }
+  void add(const std::string& address) {
+    const std::lock_guard lock(mutex_);
+    addresses_.insert(address);
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::set<std::string> addresses_;
+};
+
+}  // namespace headunit

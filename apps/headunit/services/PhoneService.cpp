@@ -1,0 +1,91 @@
+#include "headunit/services/PhoneService.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace headunit {
+namespace {
+
+// No phone holds more, and no screen shows more.
+constexpr int MOST_CALLS = 8;
+
+CallView viewOf(const PhoneCallStruct& call, const ImageLoader& images) {
+  CallView view;
+  view.state = call.phoneState;
+  view.number = forScreen(call.callerNumber);
+  view.caller = forScreen(call.callerId);
+  view.seconds = call.callDurationSeconds;
+  view.portrait = images.known(call.callerThumbnail);
+  return view;
+}
+
+}  // namespace
+
+void PhoneService::closed() {
+  remember(nullptr, 0);
+  newestState_.next();
+  context_.cluster->change([](ClusterView& view) { view.phone = {}; });
+}
+
+bool PhoneService::hasCall() const {
+  const std::lock_guard lock(mutex_);
+  return !calls_.empty();
+}
+
+bool PhoneService::rings() const { return foremost().state == PhoneStatus_State_INCOMING; }
+
+PhoneService::Call PhoneService::foremost() const {
+  const std::lock_guard lock(mutex_);
+  for (const int state : {PhoneStatus_State_INCOMING, PhoneStatus_State_IN_CALL}) {
+    const auto found =
+        std::find_if(calls_.begin(), calls_.end(), [state](const Call& call) { return call.state == state; });
+    if (found != calls_.end()) return *found;
+  }
+  return calls_.empty() ? Call() : calls_.front();
+}
+
+bool PhoneService::press(InstrumentClusterInput_InstrumentClusterAction action) {
+  if (!endpoint_->isChannelOpen()) return false;
+  const Call meant = foremost();
+  return endpoint_->reportAction(meant.number, meant.caller, static_cast<unsigned int>(action)) ==
+         STATUS_SUCCESS;
+}
+
+// Keeps the calls, and counts those that were not there before. A phone lists a call that is over as
+// inactive.
+void PhoneService::remember(const PhoneCallStruct* calls, std::size_t count) {
+  std::vector<Call> now;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (calls[i].phoneState == PhoneStatus_State_INACTIVE) continue;
+    now.push_back({calls[i].phoneState, calls[i].callerNumber, calls[i].callerId});
+  }
+  const std::lock_guard lock(mutex_);
+  for (const Call& call : now) {
+    const bool known = std::any_of(calls_.begin(), calls_.end(), [&call](const Call& earlier) {
+      return earlier.number == call.number && earlier.caller == call.caller;
+    });
+    if (!known) context_.tally->count(&ServiceTotals::calls);
+  }
+  calls_ = std::move(now);
+}
+
+void PhoneService::phoneStatus(const PhoneStatusStruct& status) {
+  const std::unique_ptr<const PhoneCallStruct[]> calls(status.calls);
+  const auto count = static_cast<std::size_t>(std::min(status.callCount, MOST_CALLS));
+  context_.tally->count(&ServiceTotals::phoneStates);
+  remember(calls.get(), count);
+  PhoneView phone;
+  phone.known = true;
+  phone.signal = status.signalStrength;
+  for (std::size_t i = 0; i < count; ++i) phone.calls.push_back(viewOf(calls[i], *context_.images));
+  const Newest::Ticket ticket = newestState_.next();
+  context_.cluster->change([&phone](ClusterView& view) { view.phone = phone; });
+  for (std::size_t i = 0; i < count; ++i) {
+    if (phone.calls[i].portrait) continue;
+    context_.images->load(calls[i].callerThumbnail, ticket, [i](ClusterView& view, const Image& image) {
+      view.phone.calls[i].portrait = image;
+    });
+  }
+}
+
+}  // namespace headunit

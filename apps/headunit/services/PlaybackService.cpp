@@ -1,0 +1,48 @@
+#include "headunit/services/PlaybackService.h"
+
+namespace headunit {
+
+void PlaybackService::closed() {
+  newestSong_.next();
+  context_.cluster->change([](ClusterView& view) { view.media = {}; });
+}
+
+bool PlaybackService::press(InstrumentClusterInput_InstrumentClusterAction action) {
+  if (!endpoint_->isChannelOpen()) return false;
+  return endpoint_->reportAction(static_cast<unsigned int>(action)) == STATUS_SUCCESS;
+}
+
+void PlaybackService::mediaPlaybackStatus(MediaPlaybackStatusStruct status) {
+  context_.tally->count(&ServiceTotals::playbackStates);
+  context_.cluster->change([&status](ClusterView& view) {
+    PlayingView& media = view.media;
+    media.known = true;
+    media.playing = status.state == MediaPlaybackStatus_State_PLAYING;
+    media.source = forScreen(status.mediaSource);
+    media.positionSeconds = status.playbackSeconds;
+    media.shuffle = status.shuffle;
+    media.repeat = status.repeat;
+    media.repeatOne = status.repeatOne;
+  });
+}
+
+void PlaybackService::mediaPlaybackMetadata(MediaPlaybackMetadataStruct metadata) {
+  context_.tally->count(&ServiceTotals::songs);
+  const Image cover = context_.images->known(metadata.albumArt);
+  const Newest::Ticket ticket = newestSong_.next();
+  context_.cluster->change([&](ClusterView& view) {
+    PlayingView& media = view.media;
+    media.known = true;
+    media.song = forScreen(metadata.song);
+    media.artist = forScreen(metadata.artist);
+    media.album = forScreen(metadata.album);
+    media.playlist = forScreen(metadata.playlist);
+    media.durationSeconds = metadata.durationSeconds;
+    media.cover = cover;
+  });
+  if (cover) return;
+  context_.images->load(metadata.albumArt, ticket,
+                        [](ClusterView& view, const Image& image) { view.media.cover = image; });
+}
+
+}  // namespace headunit

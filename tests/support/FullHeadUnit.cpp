@@ -44,6 +44,28 @@ InputReport touchReport(std::uint64_t number) {
   return report;
 }
 
+const std::set<int>& keysOfFullHeadUnit() {
+  static const std::set<int> keys = {3, 4, 5, 6, 19, 20};
+  return keys;
+}
+
+void reportKey(InputSource* input, std::uint64_t number) {
+  const auto n = static_cast<unsigned int>(number);
+  input->reportKey(number, 3 + n % 4, n % 2 != 0, n);
+}
+
+InputReport keyReport(std::uint64_t number) {
+  const auto n = static_cast<unsigned int>(number);
+  InputReport report;
+  report.set_timestamp(number);
+  KeyEvent_Key* const key = report.mutable_key_event()->add_keys();
+  key->set_keycode(3 + n % 4);
+  key->set_down(n % 2 != 0);
+  key->set_metastate(n);
+  key->set_longpress(false);
+  return report;
+}
+
 FullHeadUnit::FullHeadUnit()
     : players_{new NumberedPlayer, new NumberedPlayer, new NumberedPlayer, new NumberedPlayer,
                new NumberedPlayer},
@@ -61,6 +83,7 @@ FullHeadUnit::FullHeadUnit()
            &video, &media, &guidance, &system, &telephony, &microphone, &sensors, &input}) {
     require(receiver.registerService(endpoint));
   }
+  data.registersAt(&receiver);
 }
 
 void FullHeadUnit::setUpSinks() {
@@ -83,6 +106,7 @@ void FullHeadUnit::setUpSinks() {
 void FullHeadUnit::setUpCar() {
   microphone.setConfig(16000, 16, 1);
   for (int type = 1; type <= SENSOR_TYPES; ++type) sensors.registerSensor(type);
+  input.setSupportedKeycodes(keysOfFullHeadUnit());
   input.setTouchScreenPresent(true);
   input.setTouchScreenWidth(800);
   input.setTouchScreenHeight(480);

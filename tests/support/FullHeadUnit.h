@@ -4,6 +4,7 @@
 
 #include "AudioSink.h"
 #include "AudioSource.h"
+#include "DataServices.h"
 #include "InputSource.h"
 #include "NumberedMedia.h"
 #include "QuietHost.h"
@@ -26,6 +27,15 @@ class FullHeadUnit {
     MICROPHONE,
     SENSORS,
     INPUT,
+    BLUETOOTH,
+    RADIO,
+    NAVIGATION,
+    PLAYBACK,
+    PHONE,
+    BROWSER,
+    NOTIFICATIONS,
+    EXTENSION,
+    VERIFICATION
   };
   static constexpr int SINKS = 5;           // VIDEO to TELEPHONY
   static constexpr unsigned int LIMIT = 5;  // unacknowledged messages that each sink allows
@@ -62,7 +72,15 @@ class FullHeadUnit {
   AudioSource microphone{MICROPHONE, router(), shared_ptr<IAudioSourceCallbacks>(microphoneHost)};
   SensorSource sensors{SENSORS, router()};
   InputSource input{INPUT, router()};
+  DataServices data{router()};
 };
+
+/// The keys that a FullHeadUnit has.
+const std::set<int>& keysOfFullHeadUnit();
+/// The driver presses or releases a key for the `number`th time.
+void reportKey(InputSource* input, std::uint64_t number);
+/// What the phone has to get for it.
+InputReport keyReport(std::uint64_t number);
 
 /// The driver touches the screen for the `number`th time.
 void reportTouch(InputSource* input, std::uint64_t number);

@@ -14,7 +14,10 @@ void CarArrivals::onSensorBatch(const SensorBatch& batch) {
 }
 
 void CarArrivals::onInputReport(const InputReport& report) {
-  touches_.takes(report.SerializeAsString() == touchReport(touches_.due()).SerializeAsString());
+  Arrivals& arrivals = report.has_key_event() ? keys_ : touches_;
+  const std::uint64_t due = arrivals.due();
+  const InputReport expected = report.has_key_event() ? keyReport(due) : touchReport(due);
+  arrivals.takes(report.SerializeAsString() == expected.SerializeAsString());
 }
 
 phone::PcmSink CarArrivals::microphone() {
@@ -43,10 +46,13 @@ bool FullLink::pumpUntil(const std::function<bool()>& done) { return pump(phone_
 bool FullLink::comesUp() {
   headUnit_.starts(&transport_);
   if (!pumpUntil([this] { return phone_->state() == phone::LinkState::up; })) return false;
+  // The phone opens them in this order, each on the next channel.
+  sensorChannel_ = phone_->unusedChannel();
+  inputChannel_ = static_cast<std::uint8_t>(sensorChannel_ + 1);
   car_->open(*phone_->services());
   return pumpUntil([this] {
     return car_->microphone()->isOpen() && car_->sensors()->stats().granted == SENSOR_TYPES &&
-           phone_->channelState(phone_->unusedChannel() - 1) == phone::ChannelState::open;
+           car_->input()->stats().bound == keysOfFullHeadUnit().size();
   });
 }
 

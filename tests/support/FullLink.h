@@ -17,6 +17,7 @@ class CarArrivals : public phone::CarListener {
   /// Batches of no sensor; one goes ahead of each report of the climate.
   const Arrivals& empty() const { return sensors_[0]; }
   const Arrivals& touches() const { return touches_; }
+  const Arrivals& keys() const { return keys_; }
   const Arrivals& speech() const { return speech_; }
 
   void onSensorBatch(const SensorBatch& batch) override;
@@ -26,6 +27,7 @@ class CarArrivals : public phone::CarListener {
  private:
   std::array<Arrivals, SENSOR_TYPES + 1> sensors_;
   Arrivals touches_;
+  Arrivals keys_;
   Arrivals speech_;
 };
 
@@ -50,6 +52,8 @@ class FullLink {
   phone::PhoneLink& phone() { return *phone_; }
   phone::Timers& timers() { return timers_; }
   const CarArrivals& car() const { return heard_; }
+  std::uint8_t sensorChannel() const { return sensorChannel_; }
+  std::uint8_t inputChannel() const { return inputChannel_; }
   const phone::CarServices& services() const { return *car_; }
 
  private:
@@ -59,6 +63,8 @@ class FullLink {
   CarArrivals heard_;
   std::unique_ptr<phone::PhoneLink> phone_;
   std::unique_ptr<phone::CarServices> car_;
+  std::uint8_t sensorChannel_ = 0;
+  std::uint8_t inputChannel_ = 0;
 };
 
 }  // namespace test

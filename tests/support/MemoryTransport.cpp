@@ -58,12 +58,15 @@ int MemoryTransport::read(void* data, unsigned int length) {
   const std::size_t most = readCut ? std::min<std::size_t>(length, readCut()) : length;
   std::unique_lock<std::mutex> guard(lock);
   if (++readCount == failingRead) return FATAL;
-  changed.wait(guard, [this] { return !incoming.empty() || ended || abortCount > 0; });
-  if (abortCount > 0 || incoming.empty()) return FATAL;
-  const std::size_t count = std::min(most, incoming.size());
-  const auto end = incoming.begin() + static_cast<std::ptrdiff_t>(count);
-  std::copy(incoming.begin(), end, static_cast<std::uint8_t*>(data));
-  incoming.erase(incoming.begin(), end);
+  changed.wait(guard, [this] { return taken < incoming.size() || ended || abortCount > 0; });
+  if (abortCount > 0 || taken == incoming.size()) return FATAL;
+  const std::size_t count = std::min(most, incoming.size() - taken);
+  std::copy_n(incoming.data() + taken, count, static_cast<std::uint8_t*>(data));
+  taken += count;
+  if (taken == incoming.size()) {
+    incoming.clear();
+    taken = 0;
+  }
   return static_cast<int>(count);
 }
 

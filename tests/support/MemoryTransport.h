@@ -52,6 +52,7 @@ class MemoryTransport : public Transport {
   mutable std::mutex lock;  // guards the rest
   std::condition_variable changed;
   Bytes incoming;
+  std::size_t taken = 0;  // of incoming
   Bytes outgoing;
   bool ended = false;
   int readCount = 0;

@@ -11,6 +11,9 @@ int scaled(int at, int target, int source) {
   return static_cast<int>(std::clamp(twice / 2, 0LL, static_cast<long long>(source) - 1));
 }
 
+// At five to three the strip has the proportions in which it looks best.
+int widthBeside(int height) { return height * 3 / 5; }
+
 }  // namespace
 
 Rect fitted(Size picture, Size window) {
@@ -35,15 +38,33 @@ Rect withoutMargins(Size picture, Size margins) {
           picture.height - margins.height};
 }
 
-PictureView::PictureView(Size picture, Size margins, Size window)
+ScreenLayout splitScreen(Size screen) {
+  const int strip = std::min(widthBeside(screen.height), screen.width * 3 / 10);
+  const int rest = screen.width - strip;
+  return {screen, {0, 0, rest, screen.height}, {rest, 0, strip, screen.height}};
+}
+
+ScreenLayout besidePicture(Size picture) {
+  const int strip = widthBeside(picture.height);
+  return {{picture.width + strip, picture.height},
+          {0, 0, picture.width, picture.height},
+          {picture.width, 0, strip, picture.height}};
+}
+
+bool contains(const Rect& rect, Point place) {
+  return place.x >= rect.x && place.x < rect.x + rect.width && place.y >= rect.y &&
+         place.y < rect.y + rect.height;
+}
+
+PictureView::PictureView(Size picture, Size margins, Size space, Point origin)
     : picture_(picture),
       shown_(withoutMargins(picture, margins)),
-      area_(fitted({shown_.width, shown_.height}, window)) {}
-
-bool PictureView::isInside(Point inWindow) const {
-  return inWindow.x >= area_.x && inWindow.x < area_.x + area_.width && inWindow.y >= area_.y &&
-         inWindow.y < area_.y + area_.height;
+      area_(fitted({shown_.width, shown_.height}, space)) {
+  area_.x += origin.x;
+  area_.y += origin.y;
 }
+
+bool PictureView::isInside(Point inWindow) const { return contains(area_, inWindow); }
 
 Point PictureView::toPicture(Point inWindow) const {
   return {shown_.x + scaled(inWindow.x - area_.x, area_.width, shown_.width),

@@ -6,6 +6,8 @@
 namespace headunit {
 namespace {
 
+constexpr Size SMALLEST_PICTURE{800, 480};
+
 void note(const Picture& picture) {
   LinkStats& stats = *picture.stats;
   stats.shown(picture.times);
@@ -21,6 +23,12 @@ void Screen::nowShows(Picture picture) {
   if (picture.stats) note(picture);
   const std::lock_guard lock(mutex_);
   last_ = std::move(picture);
+}
+
+ScreenLayout layoutFor(const std::optional<Picture>& picture, Size margins) {
+  if (!picture) return besidePicture(SMALLEST_PICTURE);
+  const Rect shown = withoutMargins({picture->width, picture->height}, margins);
+  return besidePicture({shown.width, shown.height});
 }
 
 void HeadlessScreen::run() {

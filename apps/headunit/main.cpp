@@ -10,6 +10,7 @@
 #include "headunit/Server.h"
 #include "headunit/media/FfmpegDecoder.h"
 #include "headunit/media/Png.h"
+#include "headunit/media/ScreenImage.h"
 #include "headunit/media/Window.h"
 #include "headunit/program/Car.h"
 #include "headunit/program/HostLog.h"
@@ -30,12 +31,14 @@ FileDescriptor signalsToEndBy() {
   return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
-/// The last picture shown, wherever it is wanted.
+/// The last picture shown, as large as it came, and what stood beside it, wherever that is wanted.
 bool writeSnapshot(const Options& options, const Screen& screen) {
-  const std::optional<Picture> picture = screen.lastShown();
-  if (options.snapshot.empty() || !picture) return true;
+  const Screen::Shown shown = screen.showsNow();
+  if (options.snapshot.empty() || !shown.picture) return true;
+  const Size margins = screen.margins();
+  const Bitmap image = drawScreen(layoutFor(shown.picture, margins), shown, margins, Clock::now());
   std::string error;
-  if (writePng(*picture, options.snapshot, &error)) return true;
+  if (writePng(image, options.snapshot, &error)) return true;
   spdlog::error("{}.", error);
   return false;
 }
@@ -64,15 +67,17 @@ int run(const Options& options) {
   }
   Server server(options, car.equipment(), signals.get());
   if (options.headless) {
-    HeadlessScreen screen(car.slot());
+    HeadlessScreen screen(car.slot(), car.cluster(), options.margins);
     return runWith(options, &server, &screen, &car);
   }
-  Window window(car.slot(), options.margins, car.controls(), [&server] { server.quit(); });
+  Window window(car.slot(), car.cluster(), options.margins, WindowInput(car.controls(), car.clusterKeys()),
+                [&server] { server.quit(); });
   if (!window.open(&error)) {
     spdlog::error("Cannot open a window: {}; without a display, use --headless.", error);
     return WRONG_USAGE;
   }
-  car.slot()->whenChanged([&window] { window.wake(); });
+  car.slot()->whenChanged(window.waker());
+  car.cluster()->whenChanged(window.waker());
   return runWith(options, &server, &window, &car);
 }
 

@@ -66,6 +66,47 @@ TEST(HeadunitPictureView, IgnoresMarginsThatLeaveNothing) {
   expectRect(withoutMargins({800, 480}, {800, 0}), 0, 0, 800, 480);
 }
 
+TEST(HeadunitPictureView, StandsWhereItsSpaceStands) {
+  const PictureView view({800, 480}, {0, 0}, {1000, 480}, {50, 20});
+  expectRect(view.area(), 150, 20, 800, 480);
+  EXPECT_FALSE(view.isInside({149, 20}));
+  EXPECT_FALSE(view.isInside({150, 19}));
+  expectPoint(view.toPicture({150, 20}), 0, 0);
+  expectPoint(view.toPicture({949, 499}), 799, 479);
+}
+
+TEST(HeadunitScreenLayout, SharesOutAScreenWithoutAGap) {
+  for (const Size size : {Size{800, 480}, {1280, 720}, {1920, 1080}, {333, 777}, {5000, 400}, {1, 1}}) {
+    const ScreenLayout layout = splitScreen(size);
+    expectRect(layout.picture, 0, 0, layout.strip.x, size.height);
+    expectRect(layout.strip, layout.picture.width, 0, size.width - layout.picture.width, size.height);
+  }
+}
+
+TEST(HeadunitScreenLayout, GivesTheStripThreeTenthsButNoMoreThanItCanUse) {
+  EXPECT_EQ(splitScreen({800, 480}).strip.width, 240);
+  EXPECT_EQ(splitScreen({1920, 1080}).strip.width, 576);
+  EXPECT_EQ(splitScreen({5000, 400}).strip.width, 240);
+}
+
+TEST(HeadunitScreenLayout, LeavesAPictureItsSize) {
+  const ScreenLayout layout = besidePicture({1280, 720});
+  expectRect(layout.picture, 0, 0, 1280, 720);
+  expectRect(layout.strip, 1280, 0, 432, 720);
+  EXPECT_EQ(layout.size.width, 1712);
+  EXPECT_EQ(layout.size.height, 720);
+  // The same share in a window of that size.
+  expectRect(splitScreen(layout.size).picture, 0, 0, 1280, 720);
+}
+
+TEST(HeadunitScreenLayout, TouchesBesideTheStripStillComeInThePicturesCoordinates) {
+  const ScreenLayout layout = splitScreen({1712, 720});
+  const PictureView view({800, 480}, {0, 0}, {layout.picture.width, layout.picture.height});
+  expectRect(view.area(), 40, 0, 1200, 720);
+  expectPoint(view.toPicture({1239, 719}), 799, 479);
+  EXPECT_FALSE(view.isInside({1240, 0}));
+}
+
 TEST(HeadunitPictureView, ShowsNothingWithoutAPicture) { EXPECT_FALSE(PictureView().isInside({0, 0})); }
 
 }  // namespace

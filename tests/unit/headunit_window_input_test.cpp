@@ -8,16 +8,27 @@
 namespace headunit {
 namespace {
 
+using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// A user at a window of 1000x480, in which a picture of 800x480 stands 100 pixels from the left.
+/// What the strip's keys have been told.
+struct Keys : ClusterKeyListener {
+  void clusterKey(ClusterKey key) override { pressed.push_back(key); }
+  std::vector<ClusterKey> pressed;
+};
+
+/// A user at a window of 1300x480, in which a picture of 800x480 stands 100 pixels from the left, and a strip
+/// on the right of what is 1000 pixels wide.
 struct HeadunitWindowInput : test::ServiceTest {
   InputSource input{SERVICE, link.router()};
   Controls controls;
   ControlTotals totals;
-  WindowInput hands{&controls};
-  PictureView view{{800, 480}, {0, 0}, {1000, 480}};
+  Keys strip;
+  ClusterKeys clusterKeys;
+  WindowInput hands{&controls, &clusterKeys};
+  WindowView view{{{800, 480}, {0, 0}, {1000, 480}}, {{1300, 480}, {0, 0, 1000, 480}, {1000, 0, 300, 480}}};
+  std::vector<StripTarget> targets;
 
   HeadunitWindowInput() {
     input.setSupportedKeycodes(allKeyCodes());
@@ -27,6 +38,7 @@ struct HeadunitWindowInput : test::ServiceTest {
     sends(test::message(MESSAGE_KEY_BINDING_REQUEST, request));
     sent();
     controls.attach(&input, &totals);
+    clusterKeys.attach(&strip);
   }
 
   InputReport heard() {
@@ -43,14 +55,14 @@ struct HeadunitWindowInput : test::ServiceTest {
     event.button.button = which;
     event.button.x = x;
     event.button.y = y;
-    hands.handle(event, view, 1);
+    hands.handle(event, view, targets);
   }
   void motion(int x, int y) {
     SDL_Event event{};
     event.type = SDL_MOUSEMOTION;
     event.motion.x = x;
     event.motion.y = y;
-    hands.handle(event, view, 1);
+    hands.handle(event, view, targets);
   }
   void finger(Uint32 type, SDL_FingerID id, float x, float y) {
     SDL_Event event{};
@@ -58,14 +70,14 @@ struct HeadunitWindowInput : test::ServiceTest {
     event.tfinger.fingerId = id;
     event.tfinger.x = x;
     event.tfinger.y = y;
-    hands.handle(event, view, 1);
+    hands.handle(event, view, targets);
   }
   void key(bool down, SDL_Keycode code, Uint16 modifiers = 0) {
     SDL_Event event{};
     event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
     event.key.keysym.sym = code;
     event.key.keysym.mod = modifiers;
-    hands.handle(event, view, 1);
+    hands.handle(event, view, targets);
   }
   static int pictureX(const InputReport& report, int pointer = 0) {
     return static_cast<int>(report.touch_event().pointer_data(pointer).x()) * 800 / TOUCH_SCREEN.width;
@@ -106,14 +118,14 @@ TEST_F(HeadunitWindowInput, OnlyTheLeftButtonTouchesAndOnlyWhileItIsDown) {
 }
 
 TEST_F(HeadunitWindowInput, TwoFingersAreTwoPointers) {
-  finger(SDL_FINGERDOWN, 5, 0.5F, 0.5F);
+  finger(SDL_FINGERDOWN, 5, 500.5F / 1300, 0.5F);
   EXPECT_EQ(pictureX(heard()), 400);
-  finger(SDL_FINGERDOWN, 6, 0.6F, 0.5F);
+  finger(SDL_FINGERDOWN, 6, 600.5F / 1300, 0.5F);
   const InputReport report = heard();
   EXPECT_EQ(report.touch_event().action(), 5);
   EXPECT_EQ(report.touch_event().pointer_data_size(), 2);
   EXPECT_EQ(pictureX(report, 1), 500);
-  finger(SDL_FINGERUP, 5, 0.5F, 0.5F);
+  finger(SDL_FINGERUP, 5, 0.4F, 0.5F);
   EXPECT_EQ(heard().touch_event().action(), 6);
 }
 
@@ -142,15 +154,70 @@ TEST_F(HeadunitWindowInput, TheWheelIsAKnob) {
   SDL_Event event{};
   event.type = SDL_MOUSEWHEEL;
   event.wheel.y = -3;
-  hands.handle(event, view, 1);
+  hands.handle(event, view, targets);
   EXPECT_EQ(heard().relative_event().data(0).delta(), -3);
 }
 
 TEST_F(HeadunitWindowInput, NothingIsTouchedBeforeThereIsAPicture) {
-  view = PictureView();
+  view.picture = PictureView();
   button(true, 300, 100);
+  motion(310, 100);
   finger(SDL_FINGERDOWN, 5, 0.5F, 0.5F);
   EXPECT_THAT(sent(), IsEmpty());
+}
+
+TEST_F(HeadunitWindowInput, TheStripTouchesNoPicture) {
+  targets = {{{0, 0, 300, 480}, {ClusterKey::enter}}};
+  button(true, 1000, 0);
+  motion(300, 100);
+  button(false, 300, 100);
+  finger(SDL_FINGERDOWN, 5, 0.99F, 0.5F);
+  EXPECT_THAT(sent(), IsEmpty());
+  EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::enter, ClusterKey::enter));
+}
+
+TEST_F(HeadunitWindowInput, AClickOnTheStripPressesTheKeysOfThatPlace) {
+  targets = {{{10, 20, 30, 40}, {ClusterKey::down, ClusterKey::enter}}, {{10, 60, 30, 40}, {ClusterKey::up}}};
+  button(true, 1009, 30);
+  button(true, 1010, 19);
+  button(true, 1040, 30);
+  button(true, 1010, 20, SDL_BUTTON_RIGHT);
+  EXPECT_THAT(strip.pressed, IsEmpty());
+  button(true, 1039, 59);
+  EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::down, ClusterKey::enter));
+  button(true, 1010, 60);
+  EXPECT_EQ(strip.pressed.back(), ClusterKey::up);
+}
+
+TEST_F(HeadunitWindowInput, ClicksCountInTheRenderersPixels) {
+  targets = {{{100, 100, 10, 10}, {ClusterKey::back}}};
+  view.scale = 2;
+  button(true, 550, 50);
+  EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::back));
+}
+
+TEST_F(HeadunitWindowInput, AltMakesArrowsTheStripsOwn) {
+  for (const SDL_Keycode code : {SDLK_UP, SDLK_DOWN, SDLK_LEFT, SDLK_RIGHT, SDLK_RETURN, SDLK_BACKSPACE}) {
+    key(true, code, KMOD_LALT);
+    key(false, code, KMOD_LALT);
+  }
+  EXPECT_THAT(sent(), IsEmpty());
+  EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::up, ClusterKey::down, ClusterKey::left,
+                                         ClusterKey::right, ClusterKey::enter, ClusterKey::back));
+}
+
+TEST_F(HeadunitWindowInput, CallsBrowserAndRadioHaveKeysOfTheirOwn) {
+  for (const SDL_Keycode code : {SDLK_F7, SDLK_F8, SDLK_F9}) key(true, code);
+  EXPECT_THAT(sent(), IsEmpty());
+  EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::call, ClusterKey::browser, ClusterKey::radio));
+}
+
+TEST_F(HeadunitWindowInput, AKeyOfThePhoneIsReleasedThoughAltIsDownByThen) {
+  key(true, SDLK_UP);
+  heard();
+  key(false, SDLK_UP, KMOD_LALT);
+  EXPECT_FALSE(heard().key_event().keys(0).down());
+  EXPECT_THAT(strip.pressed, IsEmpty());
 }
 
 }  // namespace

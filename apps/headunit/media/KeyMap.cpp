@@ -39,6 +39,25 @@ std::optional<unsigned int> keyCodeOf(int key) {
   return found->second;
 }
 
+std::optional<ClusterKey> clusterKeyOf(int key, bool alt) {
+  switch (key) {
+    case SDLK_F7: return ClusterKey::call;
+    case SDLK_F8: return ClusterKey::browser;
+    case SDLK_F9: return ClusterKey::radio;
+    default: break;
+  }
+  if (!alt) return {};
+  switch (key) {
+    case SDLK_UP: return ClusterKey::up;
+    case SDLK_DOWN: return ClusterKey::down;
+    case SDLK_LEFT: return ClusterKey::left;
+    case SDLK_RIGHT: return ClusterKey::right;
+    case SDLK_RETURN: return ClusterKey::enter;
+    case SDLK_BACKSPACE: return ClusterKey::back;
+    default: return {};
+  }
+}
+
 std::set<int> allKeyCodes() {
   std::set<int> codes = {static_cast<int>(KNOB)};
   for (const auto& [key, code] : keys()) codes.insert(static_cast<int>(code));

@@ -2,12 +2,15 @@
 
 #include <string>
 
-#include "headunit/Picture.h"
+#include "headunit/Bitmap.h"
 
 namespace headunit {
 
-/// Writes a picture as a PNG file of the picture's own size. Returns false, with the reason in `*error`, if
-/// it cannot be written whole; what was there before is then still there.
-bool writePng(const Picture& picture, const std::string& path, std::string* error);
+/// The bytes of a PNG file with an opaque drawing; empty if there is nothing in it.
+std::string encodePng(const Bitmap& bitmap);
+
+/// Writes it to a file. Returns false, with the reason in `*error`, if it cannot be written whole; what was
+/// there before is then still there.
+bool writePng(const Bitmap& bitmap, const std::string& path, std::string* error);
 
 }  // namespace headunit

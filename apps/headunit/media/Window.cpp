@@ -1,12 +1,14 @@
 #include "headunit/media/Window.h"
 
 #include <SDL.h>
+
+#include <algorithm>
+
 namespace headunit {
 namespace {
 
 // Of the window at first; the user may make it as large as he likes.
-constexpr int LARGEST_WIDTH = 1280;
-constexpr int LARGEST_HEIGHT = 720;
+constexpr Size PICTURE_AT_FIRST{1280, 720};
 
 // SDL would rather draw where nobody sees it than fail; that is for those who ask for it.
 bool isVisible() {
@@ -25,15 +27,17 @@ int millisecondsUntil(TimePoint time) {
 }
 
 Size firstSize() {
-  SDL_Rect usable{0, 0, LARGEST_WIDTH, LARGEST_HEIGHT};
+  const Size wanted = besidePicture(PICTURE_AT_FIRST).size;
+  SDL_Rect usable{0, 0, wanted.width, wanted.height};
   SDL_GetDisplayUsableBounds(0, &usable);
-  return {SDL_min(usable.w, LARGEST_WIDTH), SDL_min(usable.h, LARGEST_HEIGHT)};
+  return {SDL_min(usable.w, wanted.width), SDL_min(usable.h, wanted.height)};
 }
 
 }  // namespace
 
 Window::~Window() {
   if (texture_ != nullptr) SDL_DestroyTexture(texture_);
+  if (stripTexture_ != nullptr) SDL_DestroyTexture(stripTexture_);
   if (renderer_ != nullptr) SDL_DestroyRenderer(renderer_);
   if (window_ != nullptr) SDL_DestroyWindow(window_);
   SDL_QuitSubSystem(SDL_INIT_VIDEO);
@@ -54,25 +58,32 @@ bool Window::open(std::string* error) {
                                size.width, size.height, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
     if (window_ != nullptr) renderer_ = SDL_CreateRenderer(window_, -1, SDL_RENDERER_PRESENTVSYNC);
   }
-  if (renderer_ != nullptr) return true;
-  *error = SDL_GetError();
-  return false;
+  if (renderer_ == nullptr) {
+    *error = SDL_GetError();
+    return false;
+  }
+  measure();
+  return true;
 }
 
-void Window::wake() {
-  SDL_Event event{};
-  event.type = wakeEvent_;
-  SDL_PushEvent(&event);
+std::function<void()> Window::waker() const {
+  return [type = wakeEvent_] {
+    SDL_Event event{};
+    event.type = type;
+    SDL_PushEvent(&event);
+  };
 }
 
 void Window::run() {
   SDL_Event event;
   while (!slot_->isClosed()) {
-    if (SDL_WaitEventTimeout(&event, millisecondsUntil(input_.nextTick())) == 1) {
+    if (SDL_WaitEventTimeout(&event, millisecondsUntil(std::min(input_.nextTick(), stripUntil_))) == 1) {
       do handle(event);
       while (SDL_PollEvent(&event) == 1);
     }
-    input_.tick(Clock::now());
+    const TimePoint now = Clock::now();
+    input_.tick(now);
+    takeStrip(now);
     takePicture();
     if (redraw_) draw();
   }
@@ -81,12 +92,23 @@ void Window::run() {
 
 void Window::handle(const SDL_Event& event) {
   if (event.type == SDL_QUIT) closed_();
-  redraw_ = redraw_ || event.type == SDL_WINDOWEVENT;
-  int width = 0;
-  Size output;
-  SDL_GetWindowSize(window_, &width, nullptr);
-  SDL_GetRendererOutputSize(renderer_, &output.width, &output.height);
-  input_.handle(event, view(), width > 0 ? static_cast<float>(output.width) / static_cast<float>(width) : 1);
+  if (event.type == SDL_WINDOWEVENT) {
+    measure();
+    redraw_ = true;
+  }
+  input_.handle(event, view(), targets_);
+}
+
+void Window::measure() {
+  Size size;
+  SDL_GetRendererOutputSize(renderer_, &size.width, &size.height);
+  const std::lock_guard lock(sizeMutex_);
+  size_ = size;
+}
+
+ScreenLayout Window::layout() const {
+  const std::lock_guard lock(sizeMutex_);
+  return splitScreen(size_);
 }
 
 void Window::takePicture() {
@@ -112,21 +134,55 @@ bool Window::fitTexture(const Picture& picture) {
   return texture_ != nullptr;
 }
 
-PictureView Window::view() const {
-  Size output;
-  SDL_GetRendererOutputSize(renderer_, &output.width, &output.height);
-  return {picture_, margins_, output};
+void Window::takeStrip(TimePoint now) {
+  const Rect place = layout().strip;
+  const std::uint64_t version = cluster()->version();
+  const bool isCurrent = version == stripVersion_ && now < stripUntil_ && place.width == strip_.width &&
+                         place.height == strip_.height;
+  if (isCurrent || !fitStripTexture({place.width, place.height})) return;
+  const ClusterView view = cluster()->view();
+  StripDrawing drawing = drawStrip(view, strip_, now);
+  SDL_UpdateTexture(stripTexture_, nullptr, drawing.bitmap.pixels.data(),
+                    strip_.width * static_cast<int>(sizeof(std::uint32_t)));
+  targets_ = std::move(drawing.targets);
+  stripVersion_ = version;
+  stripUntil_ = view.notice && view.notice->until > now ? view.notice->until : TimePoint::max();
+  redraw_ = true;
+}
+
+bool Window::fitStripTexture(Size size) {
+  if (size.width <= 0 || size.height <= 0) return false;
+  if (stripTexture_ != nullptr && size.width == strip_.width && size.height == strip_.height) return true;
+  if (stripTexture_ != nullptr) SDL_DestroyTexture(stripTexture_);
+  stripTexture_ = SDL_CreateTexture(renderer_, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING,
+                                    size.width, size.height);
+  strip_ = size;
+  return stripTexture_ != nullptr;
+}
+
+WindowView Window::view() const {
+  const ScreenLayout shared = layout();
+  int width = 0;
+  SDL_GetWindowSize(window_, &width, nullptr);
+  const PictureView picture(picture_, margins(), {shared.picture.width, shared.picture.height},
+                            {shared.picture.x, shared.picture.y});
+  return {picture, shared,
+          width > 0 ? static_cast<float>(shared.size.width) / static_cast<float>(width) : 1.0F};
 }
 
 void Window::draw() {
   redraw_ = false;
   SDL_SetRenderDrawColor(renderer_, 0, 0, 0, 255);
   SDL_RenderClear(renderer_);
+  const WindowView shown = view();
   if (texture_ != nullptr) {
-    const PictureView shown = view();
-    const SDL_Rect source = rectOf(shown.shown());
-    const SDL_Rect target = rectOf(shown.area());
+    const SDL_Rect source = rectOf(shown.picture.shown());
+    const SDL_Rect target = rectOf(shown.picture.area());
     SDL_RenderCopy(renderer_, texture_, &source, &target);
+  }
+  if (stripTexture_ != nullptr) {
+    const SDL_Rect target = rectOf(shown.layout.strip);
+    SDL_RenderCopy(renderer_, stripTexture_, nullptr, &target);
   }
   SDL_RenderPresent(renderer_);
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <functional>
-#include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "headunit/Layout.h"
 #include "headunit/Screen.h"
@@ -14,37 +16,49 @@ struct SDL_Window;
 
 namespace headunit {
 
-/// Shows the pictures in a window, as large as it is, with their proportions kept, and hears what the user
-/// does there. Main thread.
+/// Shows the pictures in a window, as large as it is, with their proportions kept, and the strip on their
+/// right, and hears what the user does there. Main thread, unless something else is said.
 class Window : public Screen {
  public:
   /// `margins`: what is not shown of each picture. `closed` is called when the user closes the window.
-  Window(PictureSlot* slot, Size margins, Controls* controls, std::function<void()> closed)
-      : slot_(slot), margins_(margins), closed_(std::move(closed)), input_(controls) {}
+  Window(PictureSlot* slot, const Cluster* cluster, Size margins, WindowInput input,
+         std::function<void()> closed)
+      : Screen(cluster, margins), slot_(slot), closed_(std::move(closed)), input_(std::move(input)) {}
   ~Window() override;
 
   /// Returns false, with the reason in `*error`, if there is no display.
   bool open(std::string* error);
   void run() override;
 
-  /// Any thread: something has come through the slot, or it has been closed.
-  void wake();
+  /// After open: to be called, by any thread and also when the window has gone, when something has come
+  /// through the slot, when it has been closed, and when the strip has changed.
+  std::function<void()> waker() const;
+  ScreenLayout layout() const override;
 
  private:
   void handle(const SDL_Event& event);
+  void measure();
   void takePicture();
   bool fitTexture(const Picture& picture);
-  PictureView view() const;
+  void takeStrip(TimePoint now);
+  bool fitStripTexture(Size size);
+  WindowView view() const;
   void draw();
 
   PictureSlot* const slot_;
-  const Size margins_;
   const std::function<void()> closed_;
   WindowInput input_;
   SDL_Window* window_ = nullptr;
   SDL_Renderer* renderer_ = nullptr;
   SDL_Texture* texture_ = nullptr;
+  SDL_Texture* stripTexture_ = nullptr;
   Size picture_;
+  Size strip_;
+  std::vector<StripTarget> targets_;
+  std::optional<std::uint64_t> stripVersion_;  ///< of the cluster that is drawn
+  TimePoint stripUntil_ = TimePoint::max();    ///< when it is to be drawn anew, though nothing changes
+  mutable std::mutex sizeMutex_;
+  Size size_;  ///< of the window, in the renderer's pixels
   unsigned int wakeEvent_ = 0;
   bool redraw_ = true;
 };

@@ -23,14 +23,15 @@ unsigned int modifiersOf(Uint16 state) {
 
 }  // namespace
 
-void WindowInput::handle(const SDL_Event& event, const PictureView& view, float scale) {
+void WindowInput::handle(const SDL_Event& event, const WindowView& view,
+                         const std::vector<StripTarget>& targets) {
   switch (event.type) {
     case SDL_MOUSEBUTTONDOWN:
     case SDL_MOUSEBUTTONUP:
-    case SDL_MOUSEMOTION: return onMouse(event, view, scale);
+    case SDL_MOUSEMOTION: return onMouse(event, view, targets);
     case SDL_FINGERDOWN:
     case SDL_FINGERUP:
-    case SDL_FINGERMOTION: return onFinger(event, view);
+    case SDL_FINGERMOTION: return onFinger(event, view, targets);
     case SDL_KEYDOWN:
     case SDL_KEYUP: return onKey(event);
     case SDL_MOUSEWHEEL:
@@ -40,49 +41,69 @@ void WindowInput::handle(const SDL_Event& event, const PictureView& view, float 
   }
 }
 
-void WindowInput::onMouse(const SDL_Event& event, const PictureView& view, float scale) {
-  if (view.area().width == 0) return;
+void WindowInput::onMouse(const SDL_Event& event, const WindowView& view,
+                          const std::vector<StripTarget>& targets) {
+  const PictureView& picture = view.picture;
   if (event.type == SDL_MOUSEMOTION) {
-    const bool mine = mouseDown_ && event.motion.which != SDL_TOUCH_MOUSEID;
+    const bool mine = mouseDown_ && event.motion.which != SDL_TOUCH_MOUSEID && picture.area().width > 0;
     if (mine)
-      controls_->touchMove(MOUSE, view.toPicture(scaled(event.motion.x, event.motion.y, scale)),
-                           view.picture());
+      controls_->touchMove(MOUSE, picture.toPicture(scaled(event.motion.x, event.motion.y, view.scale)),
+                           picture.picture());
     return;
   }
   if (event.button.which == SDL_TOUCH_MOUSEID || event.button.button != SDL_BUTTON_LEFT) return;
-  const Point place = scaled(event.button.x, event.button.y, scale);
+  const Point place = scaled(event.button.x, event.button.y, view.scale);
   if (event.type == SDL_MOUSEBUTTONUP) {
     mouseDown_ = false;
     controls_->touchUp(MOUSE);
-  } else if (view.isInside(place)) {
+  } else if (picture.isInside(place)) {
     mouseDown_ = true;
-    controls_->touchDown(MOUSE, view.toPicture(place), view.picture());
+    controls_->touchDown(MOUSE, picture.toPicture(place), picture.picture());
+  } else {
+    clickStrip(place, view, targets);
   }
 }
 
-void WindowInput::onFinger(const SDL_Event& event, const PictureView& view) {
-  if (view.area().width == 0) return;
+void WindowInput::onFinger(const SDL_Event& event, const WindowView& view,
+                           const std::vector<StripTarget>& targets) {
+  const PictureView& picture = view.picture;
   const unsigned int id = fingerId(event.tfinger.fingerId);
-  // Finger coordinates go from 0 to 1 over the window; the picture stands in its middle.
-  const Rect area = view.area();
-  const auto width = static_cast<float>(area.width + 2 * area.x);
-  const auto height = static_cast<float>(area.height + 2 * area.y);
-  const Point place{static_cast<int>(event.tfinger.x * width), static_cast<int>(event.tfinger.y * height)};
+  // Finger coordinates go from 0 to 1 over the window.
+  const Point place{static_cast<int>(event.tfinger.x * static_cast<float>(view.layout.size.width)),
+                    static_cast<int>(event.tfinger.y * static_cast<float>(view.layout.size.height))};
   if (event.type == SDL_FINGERUP) {
     controls_->touchUp(id);
   } else if (event.type == SDL_FINGERMOTION) {
-    controls_->touchMove(id, view.toPicture(place), view.picture());
-  } else if (view.isInside(place)) {
-    controls_->touchDown(id, view.toPicture(place), view.picture());
+    if (picture.area().width > 0) controls_->touchMove(id, picture.toPicture(place), picture.picture());
+  } else if (picture.isInside(place)) {
+    controls_->touchDown(id, picture.toPicture(place), picture.picture());
+  } else {
+    clickStrip(place, view, targets);
+  }
+}
+
+void WindowInput::clickStrip(Point place, const WindowView& view, const std::vector<StripTarget>& targets) {
+  const Rect strip = view.layout.strip;
+  if (!contains(strip, place)) return;
+  const Point inStrip{place.x - strip.x, place.y - strip.y};
+  for (const StripTarget& target : targets) {
+    if (!contains(target.place, inStrip)) continue;
+    for (const ClusterKey key : target.keys) clusterKeys_->press(key);
+    return;
   }
 }
 
 void WindowInput::onKey(const SDL_Event& event) {
-  const std::optional<unsigned int> code = keyCodeOf(event.key.keysym.sym);
-  if (!code) return;
-  const unsigned int modifiers = modifiersOf(event.key.keysym.mod);
-  send(event.type == SDL_KEYDOWN ? keys_.press(*code, modifiers, Clock::now())
-                                 : keys_.release(*code, modifiers));
+  const SDL_Keysym& key = event.key.keysym;
+  const bool down = event.type == SDL_KEYDOWN;
+  if (const std::optional<ClusterKey> own = clusterKeyOf(key.sym, (key.mod & KMOD_ALT) != 0)) {
+    if (down) return clusterKeys_->press(*own);
+  }
+  const std::optional<unsigned int> code = keyCodeOf(key.sym);
+  const bool isRepeated = down && event.key.repeat != 0;
+  if (!code || isRepeated) return;
+  const unsigned int modifiers = modifiersOf(key.mod);
+  send(down ? keys_.press(*code, modifiers, Clock::now()) : keys_.release(*code, modifiers));
 }
 
 void WindowInput::tick(TimePoint now) { send(keys_.due(now)); }

@@ -81,9 +81,4 @@ StripDrawing drawStrip(const ClusterView& view, Size size, TimePoint now) {
   return drawing;
 }
 
-bool contains(const Rect& rect, Point place) {
-  return place.x >= rect.x && place.x < rect.x + rect.width && place.y >= rect.y &&
-         place.y < rect.y + rect.height;
-}
-
 }  // namespace headunit

@@ -23,7 +23,4 @@ struct StripDrawing {
 /// a pixel there is nothing in the bitmap. A notice is drawn until its time has come.
 StripDrawing drawStrip(const ClusterView& view, Size size, TimePoint now);
 
-/// Whether `place` is inside of `rect`.
-bool contains(const Rect& rect, Point place);
-
 }  // namespace headunit

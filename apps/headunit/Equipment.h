@@ -13,6 +13,7 @@
 #include "headunit/Microphone.h"
 #include "headunit/Mixer.h"
 #include "headunit/RecentLines.h"
+#include "headunit/ScreenCamera.h"
 #include "headunit/SlowWork.h"
 #include "headunit/TouchScript.h"
 #include "headunit/VideoPipeline.h"
@@ -39,8 +40,9 @@ struct Equipment {
   SlowWork* slowWork = nullptr;
   std::function<Image(const std::string&)> decodeImage;  ///< of an image file's bytes; null if it is none
   PairedPhones* pairedPhones = nullptr;
-  bool autoPair = false;      ///< pairs without asking the user
-  bool opensBrowser = false;  ///< shows what can be played without the user's asking
+  bool autoPair = false;                 ///< pairs without asking the user
+  bool opensBrowser = false;             ///< shows what can be played without the user's asking
+  const ScreenCamera* camera = nullptr;  ///< null: nobody may look, or drive the car from the phone
 };
 
 }  // namespace headunit

@@ -39,6 +39,7 @@ bool Link::start(std::string* error) {
   offerInput();
   offerSensors();
   offerCluster();
+  offerVerification();
   describe();
   const Credentials& own = equipment_.credentials;
   if (!receiver_.controller().setClientCreds(own.root, own.certificate, own.key)) {
@@ -124,6 +125,15 @@ void Link::offerCluster() {
   cluster_->begin();
 }
 
+void Link::offerVerification() {
+  if (equipment_.camera == nullptr) return;
+  verification_ = std::make_unique<VerificationService>(
+      VERIFICATION, receiver_.messageRouter(),
+      VerificationHarness::Car{sensors_.get(), input_.get(), videoSink_.get(), &receiver_.controller(),
+                               equipment_.slowWork, equipment_.camera});
+  offer(verification_.get());
+}
+
 void Link::describe() {
   Controller& controller = receiver_.controller();
   controller.setMake("Vantry");
@@ -160,6 +170,7 @@ void Link::stop() {
   players_.stop();
   equipment_.controls->detach();
   if (cluster_) cluster_->end();
+  if (verification_) verification_->release();
   if (microphone_) microphone_->close();
   transport_.requestStop();
   if (running_) transport_.waitForExit();

@@ -20,6 +20,7 @@
 #include "headunit/SoundService.h"
 #include "headunit/TcpTransport.h"
 #include "headunit/services/ClusterServices.h"
+#include "headunit/services/VerificationService.h"
 
 namespace headunit {
 
@@ -56,6 +57,7 @@ class Link {
   void offerInput();
   void offerSensors();
   void offerCluster();
+  void offerVerification();
 
   const Equipment& equipment_;
   LinkJournal journal_;
@@ -73,6 +75,7 @@ class Link {
   std::unique_ptr<DrivePlayer> drive_;
   std::unique_ptr<TouchPlayer> touches_;
   std::unique_ptr<ClusterServices> cluster_;
+  std::unique_ptr<VerificationService> verification_;
   PacedThread players_;
   microseconds duration_{0};
   bool running_ = false;

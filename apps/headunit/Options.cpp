@@ -68,6 +68,8 @@ void addCar(CLI::App* app, Options* options, Texts* texts) {
       ->check(
           check([](const std::string& text) { return parseTouchScript(text).has_value(); }, "X,Y,EVERY_MS"))
       ->type_name("X,Y,EVERY_MS");
+  app->add_flag("--verification", options->verification,
+                "Let a test application on the phone drive this car and see its screen");
   app->add_flag("--auto-pair", options->autoPair, "Accept every pairing instead of asking");
   app->add_flag("--browse", options->browse, "Show what the phone can play as soon as it offers a list");
 }

@@ -22,6 +22,7 @@ struct Options {
   std::string drive;       ///< empty: the one that is built in
   std::optional<TouchScript> touches;
   bool autoPair = false;
+  bool verification = false;
   bool browse = false;
   std::string snapshot;
   std::uint64_t exitAfterFrames = 0;  ///< 0: goes on

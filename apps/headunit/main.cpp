@@ -44,6 +44,8 @@ bool writeSnapshot(const Options& options, const Screen& screen) {
 }
 
 int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
+  const Screenshots camera(screen);
+  if (options.verification) car->allowVerification(&camera);
   server->afterLink([&] { writeSnapshot(options, *screen); });
   int status = 0;
   std::thread serving([&] {

@@ -19,6 +19,8 @@ class Car {
   bool equip(std::string* error);
 
   const Equipment& equipment() const { return equipment_; }
+  /// Before the first link, if the phone is to be let: `camera` must stay until the last one.
+  void allowVerification(const ScreenCamera* camera) { equipment_.camera = camera; }
   PictureSlot* slot() { return &slot_; }
   Controls* controls() { return &controls_; }
   Cluster* cluster() { return &cluster_; }

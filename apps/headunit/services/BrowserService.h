@@ -29,7 +29,6 @@ class BrowserService : public IMediaBrowserCallbacks {
 
   /// Shows the list, or hides it.
   void toggle();
-  bool isOpen() const { return context_.cluster->view().browser.open; }
   void up() { move(-1); }
   void down() { move(1); }
   void pageBack() { turn(-1); }

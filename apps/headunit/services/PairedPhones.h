@@ -15,10 +15,14 @@ class PairedPhones {
   }
   void add(const std::string& address) {
     const std::lock_guard lock(mutex_);
+    if (addresses_.size() >= MOST) addresses_.clear();
     addresses_.insert(address);
   }
 
  private:
+  // More than a car meets, and few enough for a phone that invents addresses.
+  static constexpr std::size_t MOST = 256;
+
   mutable std::mutex mutex_;
   std::set<std::string> addresses_;
 };

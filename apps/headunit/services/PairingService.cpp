@@ -11,6 +11,9 @@ namespace {
 // Locally administered, as befits a car that does not exist.
 constexpr char CAR_ADDRESS[] = "02:00:00:CA:12:01";
 
+// Of 17 characters, as they are written everywhere, and some to spare.
+constexpr std::size_t LONGEST_ADDRESS = 64;
+
 constexpr BluetoothPairingMethod OFFERED[] = {BLUETOOTH_PAIRING_METHOD_2, BLUETOOTH_PAIRING_METHOD_3};
 
 std::string sixDigits() {
@@ -53,8 +56,9 @@ void PairingService::closed() {
 
 void PairingService::pairingRequest(std::string const& phoneAddress, int pairingMethod) {
   context_.tally->count(&ServiceTotals::pairingRequests);
-  if (!isOffered(pairingMethod)) {
-    spdlog::warn("The phone wants to be paired by method {}, which was not offered.", pairingMethod);
+  if (!isOffered(pairingMethod) || phoneAddress.size() > LONGEST_ADDRESS) {
+    spdlog::warn("The phone wants to be paired by method {} and an address of {} bytes: refused.",
+                 pairingMethod, phoneAddress.size());
     context_.tally->count(&ServiceTotals::pairingsRefused);
     endpoint_->sendPairingResponse(STATUS_INVALID_CONFIGURATION, false);
   } else if (manner_.paired->knows(phoneAddress)) {

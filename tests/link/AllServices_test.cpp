@@ -62,8 +62,7 @@ class AllServices : public testing::Test {
   void SetUp() override {
     ASSERT_TRUE(link.comesUp());
     for (int sink = FullHeadUnit::VIDEO; sink <= FullHeadUnit::TELEPHONY; ++sink) {
-      const MediaCodecType codec = sink == FullHeadUnit::VIDEO ? MEDIA_CODEC_VIDEO : MEDIA_CODEC_1;
-      streams.push_back(std::make_unique<NumberedStream>(&link.phone(), &link.timers(), codec, sink));
+      streams.push_back(std::make_unique<NumberedStream>(&link.phone(), &link.timers(), sink));
     }
     for (int service = FullHeadUnit::BLUETOOTH; service <= FullHeadUnit::VERIFICATION; ++service) {
       channels[service] = link.phone().unusedChannel();

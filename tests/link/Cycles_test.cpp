@@ -1,114 +1,64 @@
-// One link after another in one process, over real sockets, without growing.
+// One link after another in one process, over TCP and in memory, without growing.
 
-#include <gmock/gmock.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 #include "LiveLink.h"
+#include "TcpLink.h"
 
 namespace {
 
 using namespace test;
+using Clock = std::chrono::steady_clock;
 
 std::size_t entriesOf(const char* folder) {
   const std::filesystem::directory_iterator entries(folder);
   return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-/// A stream over a pair of connected sockets: `phoneSide` is the other end.
-class SocketTransport : public Transport {
- public:
-  explicit SocketTransport(VantryReceiver* link) : Transport(link) {
-    if (socketpair(AF_UNIX, SOCK_STREAM, 0, sockets) != 0) abort();
-  }
-  ~SocketTransport() override {
-    close(sockets[0]);
-    close(sockets[1]);
-  }
-  int phoneSide() const { return sockets[1]; }
-  void abortTransfers() override { ::shutdown(sockets[0], SHUT_RDWR); }
-  int read(void* data, unsigned int length) override { return result(recv(sockets[0], data, length, 0)); }
-  int write(void* data, unsigned int length) override {
-    return result(send(sockets[0], data, length, MSG_NOSIGNAL));
-  }
+constexpr const char* THREADS = "/proc/self/task";
+constexpr const char* DESCRIPTORS = "/proc/self/fd";
 
- private:
-  static int result(ssize_t count) { return count > 0 ? static_cast<int>(count) : -1; }
-  int sockets[2];
-};
-
-class StoppingHost : public IControllerCallbacks {
- public:
-  void serviceDiscoveryRequest(const std::string&, const std::string&, const std::string&,
-                               const std::string&) override {}
-  void unrecoverableError() override {}
-  void pingRequest(long long, bool) override {}
-  void pingResponse(long long) override {}
-  void navigationFocusRequest(NavFocusType) override {}
-  void byeByeRequest(ByeByeReason) override {}
-  void byeByeResponse() override {}
-  void voiceSessionNotification(VoiceSessionStatus) override {}
-  void audioFocusRequest(AudioFocusRequestType) override {}
-  void authenticationCompleted(int) override {}
-  void versionResponse(unsigned long long, unsigned long long) override {}
-};
-
-/// Brings the phone up on a socket; false if the stream ended before.
-bool comesUp(int socket, phone::PhoneLink* phone) {
-  Bytes received(4096, 0);
-  while (phone->state() != phone::LinkState::up) {
-    const ssize_t count = recv(socket, received.data(), received.size(), 0);
-    if (count <= 0) return false;
-    phone->feed(received.data(), static_cast<std::size_t>(count));
-    const Bytes answer = phone->takeOutput();
-    if (send(socket, answer.data(), answer.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(answer.size()))
-      return false;
-  }
-  return true;
+/// Whether the folder comes to have `count` entries. A thread that was joined may be listed a moment longer.
+bool comesTo(const char* folder, std::size_t count) {
+  const Clock::time_point limit = Clock::now() + std::chrono::seconds(20);
+  while (entriesOf(folder) != count && Clock::now() < limit) std::this_thread::yield();
+  return entriesOf(folder) == count;
 }
 
 void runOneLink() {
-  VantryReceiver receiver;
-  receiver.init(shared_ptr<IControllerCallbacks>(new StoppingHost()));
-  const Identity& own = credentials().headUnit;
-  ASSERT_TRUE(receiver.controller().setClientCreds(credentials().root, own.certificate, own.key));
-  SocketTransport transport(&receiver);
-  ASSERT_TRUE(transport.start());
-  receiver.start();
-
-  phone::LinkOptions options;
-  options.credentials = {credentials().root, credentials().phone.certificate, credentials().phone.key};
-  phone::PhoneLink phone(options);
-  EXPECT_TRUE(comesUp(transport.phoneSide(), &phone));
-
-  transport.requestStop();
-  transport.waitForExit();
-  receiver.shutdown();
+  constexpr Number MESSAGES = 10;
+  TcpLink link;
+  ASSERT_TRUE(link.runs(MESSAGES));
+  link.expectArrivals(MESSAGES);
 }
 
-TEST(LinkCycles, CyclesOfConnectAndStopLeaveNoThreadAndNoDescriptorBehind) {
+TEST(LinkCycles, CyclesOfConnectStreamAndStopOverTcpLeaveNoThreadAndNoDescriptorBehind) {
   const char* const wanted = getenv("VANTRY_CYCLES");
   const int cycles = wanted == nullptr ? 50 : atoi(wanted);
   runOneLink();  // what the process sets up once
-  const std::size_t threads = entriesOf("/proc/self/task");
-  const std::size_t descriptors = entriesOf("/proc/self/fd");
+  const std::size_t threads = entriesOf(THREADS);
+  const std::size_t descriptors = entriesOf(DESCRIPTORS);
   for (int i = 0; i < cycles && !HasFailure(); ++i) runOneLink();
-  EXPECT_EQ(entriesOf("/proc/self/task"), threads);
-  EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
+  EXPECT_TRUE(comesTo(THREADS, threads)) << entriesOf(THREADS) << " threads, " << threads << " before";
+  EXPECT_EQ(entriesOf(DESCRIPTORS), descriptors);
 }
 
-TEST(LinkCycles, CyclesOfWholeStreamsLeaveNoThreadBehind) {
-  const std::size_t threads = entriesOf("/proc/self/task");
+TEST(LinkCycles, CyclesOfWholeStreamsLeaveNoThreadAndNoDescriptorBehind) {
+  const std::size_t threads = entriesOf(THREADS);
+  const std::size_t descriptors = entriesOf(DESCRIPTORS);
   for (unsigned int i = 0; i < 10; ++i) {
     LiveLink link;
     link.start();
     ASSERT_TRUE(link.comesUp() && link.opensVideo() && link.sendsFrame(pattern(30000, i)));
     link.stop();
   }
-  EXPECT_EQ(entriesOf("/proc/self/task"), threads);
+  EXPECT_TRUE(comesTo(THREADS, threads)) << entriesOf(THREADS) << " threads, " << threads << " before";
+  EXPECT_EQ(entriesOf(DESCRIPTORS), descriptors);
 }
 
 }  // namespace

@@ -49,8 +49,7 @@ class Everything : public testing::Test {
   void SetUp() override {
     ASSERT_TRUE(link.comesUp());
     for (const int sink : {FullHeadUnit::VIDEO, FullHeadUnit::MEDIA, FullHeadUnit::GUIDANCE}) {
-      const MediaCodecType codec = sink == FullHeadUnit::VIDEO ? MEDIA_CODEC_VIDEO : MEDIA_CODEC_1;
-      streams.push_back(std::make_unique<NumberedStream>(&link.phone(), &link.timers(), codec, sink));
+      streams.push_back(std::make_unique<NumberedStream>(&link.phone(), &link.timers(), sink));
     }
     ASSERT_TRUE(link.pumpUntil([this] {
       return std::all_of(streams.begin(), streams.end(), [](const auto& stream) { return stream->runs(); });

@@ -114,6 +114,7 @@ void FullHeadUnit::setUpCar() {
 
 void FullHeadUnit::starts(Transport* transport) {
   transport_ = transport;
+  control->onByeBye = [this] { receiver.controller().sendByeByeResponse(); };
   control->onFailure = [transport] { transport->requestStop(); };
   require(transport->start());
   receiver.start();

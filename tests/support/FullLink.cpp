@@ -20,26 +20,31 @@ void CarArrivals::onInputReport(const InputReport& report) {
   arrivals.takes(report.SerializeAsString() == expected.SerializeAsString());
 }
 
-phone::PcmSink CarArrivals::microphone() {
-  return [this](const std::uint8_t* samples, std::size_t length) {
-    speech_.takes(Bytes(samples, length) == numberedContent(speech_.due()));
-    return true;
+phone::CarOptions CarArrivals::options() {
+  phone::CarOptions car;
+  car.listener = this;
+  car.microphoneMaxUnacked = MICROPHONE_LIMIT;
+  car.recordMicrophone = [this](int, int, std::string*) {
+    return [this](const std::uint8_t* samples, std::size_t length) {
+      speech_.takes(Bytes(samples, length) == numberedContent(speech_.due()));
+      return true;
+    };
   };
+  return car;
 }
 
-FullLink::FullLink() {
+phone::LinkOptions quietPhone() {
   phone::LinkOptions options;
   const TestCredentials& known = credentials();
   options.credentials = {known.root, known.phone.certificate, known.phone.key};
   options.interleaves = true;
   options.records = false;
-  phone_ = std::make_unique<phone::PhoneLink>(options);
-  phone::CarOptions car;
-  car.listener = &heard_;
-  car.recordMicrophone = [this](int, int, std::string*) { return heard_.microphone(); };
-  car.microphoneMaxUnacked = MICROPHONE_LIMIT;
-  car_ = std::make_unique<phone::CarServices>(phone_.get(), &timers_, car);
+  return options;
 }
+
+FullLink::FullLink()
+    : phone_(std::make_unique<phone::PhoneLink>(quietPhone())),
+      car_(std::make_unique<phone::CarServices>(phone_.get(), &timers_, heard_.options())) {}
 
 bool FullLink::pumpUntil(const std::function<bool()>& done) { return pump(phone_.get(), &transport_, done); }
 

@@ -13,6 +13,8 @@ namespace test {
 /// What the phone hears of the car, and whether it was what was due.
 class CarArrivals : public phone::CarListener {
  public:
+  static constexpr int MICROPHONE_LIMIT = 6;  // unacknowledged messages that the phone allows
+
   const Arrivals& ofSensor(int type) const { return sensors_[static_cast<std::size_t>(type)]; }
   /// Batches of no sensor; one goes ahead of each report of the climate.
   const Arrivals& empty() const { return sensors_[0]; }
@@ -22,7 +24,8 @@ class CarArrivals : public phone::CarListener {
 
   void onSensorBatch(const SensorBatch& batch) override;
   void onInputReport(const InputReport& report) override;
-  phone::PcmSink microphone();
+  /// For the services that tell it; this outlives them.
+  phone::CarOptions options();
 
  private:
   std::array<Arrivals, SENSOR_TYPES + 1> sensors_;
@@ -31,11 +34,12 @@ class CarArrivals : public phone::CarListener {
   Arrivals speech_;
 };
 
+/// A phone that takes turns among its channels and does not keep what it gets.
+phone::LinkOptions quietPhone();
+
 /// A FullHeadUnit and a phone on the two ends of a byte stream in memory. The test's thread is the phone's.
 class FullLink {
  public:
-  static constexpr int MICROPHONE_LIMIT = 6;
-
   FullLink();
   ~FullLink() { headUnit_.ends(); }
   FullLink(const FullLink&) = delete;

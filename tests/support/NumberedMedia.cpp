@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "FullHeadUnit.h"
+
 namespace test {
 
 // ---- NumberedPlayer ----
@@ -115,21 +117,24 @@ class NumberedStream::Feed : public phone::MediaFeed {
   const std::shared_ptr<Progress> progress;
 };
 
-NumberedStream::NumberedStream(phone::PhoneLink* link, phone::Timers* timers, MediaCodecType codec,
-                               int serviceId)
-    : stream(
-          link, timers,
-          [&] {
-            phone::StreamOptions options;
-            options.codec = codec;
-            options.sessionId = serviceId;
-            options.paced = false;
-            return options;
-          }(),
-          [shared = progress](const std::vector<std::uint32_t>&, std::uint32_t* index, phone::LinkEnd*) {
-            *index = 0;
-            return std::make_unique<Feed>(shared);
-          }) {
+namespace {
+
+phone::StreamOptions optionsFor(int serviceId) {
+  phone::StreamOptions options;
+  options.codec = serviceId == FullHeadUnit::VIDEO ? MEDIA_CODEC_VIDEO : MEDIA_CODEC_1;
+  options.sessionId = serviceId;
+  options.paced = false;
+  return options;
+}
+
+}  // namespace
+
+NumberedStream::NumberedStream(phone::PhoneLink* link, phone::Timers* timers, int serviceId)
+    : stream(link, timers, optionsFor(serviceId),
+             [shared = progress](const std::vector<std::uint32_t>&, std::uint32_t* index, phone::LinkEnd*) {
+               *index = 0;
+               return std::make_unique<Feed>(shared);
+             }) {
   stream.start(link->unusedChannel(), serviceId);
 }
 

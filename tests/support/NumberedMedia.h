@@ -94,8 +94,8 @@ class NumberedMicrophone : public IAudioSourceCallbacks {
 /// The phone's end of a stream to a NumberedPlayer.
 class NumberedStream {
  public:
-  /// Both outlive the stream. Opens a channel to the sink and starts.
-  NumberedStream(phone::PhoneLink* link, phone::Timers* timers, MediaCodecType codec, int serviceId);
+  /// Both outlive the stream. Opens a channel to a FullHeadUnit's sink and starts.
+  NumberedStream(phone::PhoneLink* link, phone::Timers* timers, int serviceId);
 
   /// Lets messages up to number `end` go, as quickly as the acknowledgements allow.
   void goesOnTo(std::uint64_t end);

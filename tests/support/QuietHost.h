@@ -8,7 +8,9 @@ namespace test {
 
 /// A host that lets the link run without a word.
 struct QuietHost : IControllerCallbacks {
-  std::function<void()> onFailure = [] {};  ///< Runs inside unrecoverableError. Before the link starts.
+  // Set before the link starts.
+  std::function<void()> onFailure = [] {};  ///< Runs inside unrecoverableError,
+  std::function<void()> onByeBye = [] {};   ///< inside byeByeRequest.
 
   void serviceDiscoveryRequest(const std::string&, const std::string&, const std::string&,
                                const std::string&) override {}
@@ -16,7 +18,7 @@ struct QuietHost : IControllerCallbacks {
   void pingRequest(long long, bool) override {}
   void pingResponse(long long) override {}
   void navigationFocusRequest(NavFocusType) override {}
-  void byeByeRequest(ByeByeReason) override {}
+  void byeByeRequest(ByeByeReason) override { onByeBye(); }
   void byeByeResponse() override {}
   void voiceSessionNotification(VoiceSessionStatus) override {}
   void audioFocusRequest(AudioFocusRequestType) override {}

@@ -42,6 +42,18 @@ TEST(Authentication, refusesEveryPhoneWhenItTrustsAnotherRoot) {
   expectRefusal(&link);
 }
 
+TEST(Authentication, isToldNoByAPhoneThatDoesNotKnowItsCertificate) {
+  const LogCapture log;
+  LiveLink link(credentials().phone, credentials().root, credentials().strangerHeadUnit);
+  link.start();
+  EXPECT_FALSE(link.comesUp());
+  link.joins();
+  EXPECT_FALSE(link.phone().tls()->established());
+  EXPECT_TRUE(link.host().has("authenticated -3"));
+  EXPECT_TRUE(link.host().has("unrecoverable"));
+  EXPECT_FALSE(link.host().has("discovery"));
+}
+
 TEST(Authentication, judgesCertificatesByTheTimeThatTheHostGave) {
   LiveLink accepted(credentials().expiredPhone);
   accepted.receiver().controller().setCertificateVerificationTime(credentials().expiry - 60);

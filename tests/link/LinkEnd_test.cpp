@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <thread>
+
 #include "LiveLink.h"
 
 namespace {
@@ -49,6 +51,98 @@ TEST(LinkEnd, stopsFromInsideUnrecoverableErrorAfterADamagedRecord) {
   link.joins();
   EXPECT_TRUE(link.host().has("unrecoverable"));
   EXPECT_TRUE(link.delivered().empty());
+}
+
+/// A callback of the host, by the name that the journal gives it; the last one that its message leads to.
+class StopInACallback : public testing::TestWithParam<const char*> {};
+
+TEST_P(StopInACallback, endsTheLink) {
+  LiveLink link;
+  link.host().listens([&link](const std::string& event) {
+    if (event == GetParam()) link.transport().requestStop();
+  });
+  link.start();
+  const auto pings = [&link] {
+    link.phone().sendPing(42);
+    return link.pumpUntil([&link] { return link.host().has("ping 42"); });
+  };
+  const bool ended = !link.comesUp() || !link.opensVideo() || !link.sendsFrame(pattern(100)) || !pings() ||
+                     (link.phone().sayByeBye(), !link.pumpUntil([] { return false; }));
+  EXPECT_TRUE(ended);
+  link.joins();  // returns, for both threads have ended by themselves
+  EXPECT_EQ(link.host().events().back(), GetParam()) << "something was heard after the stop";
+}
+
+INSTANTIATE_TEST_SUITE_P(ofTheHost, StopInACallback,
+                         testing::Values("version", "authenticated 0", "discovery", "setup", "start 17",
+                                         "ping 42", "bye-bye"));
+
+TEST(LinkEnd, stopsFromTheHostWhileAWriteBlocks) {
+  LiveLink link;
+  link.start();
+  ASSERT_TRUE(link.comesUp() && link.opensVideo() && link.sendsFrame(pattern(100)));
+  link.transport().holdsWrites();
+  link.receiver().controller().sendPingRequest(1, false);
+  ASSERT_TRUE(link.transport().waitsForHeldWrite());
+  link.stop();  // returns
+  EXPECT_FALSE(link.host().has("unrecoverable"));
+}
+
+TEST(LinkEnd, stopsFromACallbackWhileAWriteBlocks) {
+  LiveLink link;
+  link.onFrame = [&link] { link.transport().requestStop(); };
+  link.start();
+  ASSERT_TRUE(link.comesUp() && link.opensVideo());
+  link.transport().holdsWrites();
+  link.receiver().controller().sendPingRequest(1, false);
+  ASSERT_TRUE(link.transport().waitsForHeldWrite());
+  EXPECT_FALSE(link.sendsFrame(pattern(100)));
+  link.joins();
+  EXPECT_EQ(link.delivered().size(), 1U);
+}
+
+/// Lets `act` run inside the `which`th transfer, which then fails.
+std::function<std::size_t()> actsIn(int which, std::function<void()> act) {
+  return [which, act = std::move(act), count = 0]() mutable -> std::size_t {
+    if (++count == which) act();
+    return SIZE_MAX;
+  };
+}
+
+TEST(LinkEnd, stopsFromInsideEveryReadThatDies) {
+  for (int dying = 1; dying <= 20; ++dying) {
+    LiveLink link;
+    link.transport().cutsReads(actsIn(dying, [&link] { link.transport().requestStop(); }));
+    EXPECT_FALSE(runs(&link)) << "read " << dying;
+    link.joins();
+    EXPECT_FALSE(link.host().has("unrecoverable")) << "read " << dying;
+  }
+}
+
+TEST(LinkEnd, stopsFromInsideEveryWriteThatDies) {
+  for (int dying = 1; dying <= 5; ++dying) {
+    LiveLink link;
+    link.transport().cutsWrites(actsIn(dying, [&link] { link.transport().requestStop(); }));
+    EXPECT_FALSE(runs(&link)) << "write " << dying;
+    link.joins();
+    EXPECT_FALSE(link.host().has("unrecoverable")) << "write " << dying;
+  }
+}
+
+TEST(LinkEnd, stopsOnceHoweverManyStopItWhileItDies) {
+  for (int dying = 1; dying <= 20; ++dying) {
+    LiveLink link;
+    link.transport().failsRead(dying);
+    std::vector<std::thread> hosts;
+    link.transport().cutsReads(actsIn(dying, [&] {
+      for (int i = 0; i < 3; ++i) hosts.emplace_back([&link] { link.transport().requestStop(); });
+    }));
+    link.transport().cutsWrites(actsIn(3, [&link] { link.transport().requestStop(); }));
+    EXPECT_FALSE(runs(&link));
+    link.joins();
+    for (std::thread& host : hosts) host.join();
+    EXPECT_GE(link.transport().aborts(), 1);
+  }
 }
 
 TEST(LinkEnd, stopsInTheMiddleOfTheHandshake) {

@@ -8,8 +8,11 @@
 namespace test {
 
 void HostJournal::note(const std::string& event) {
-  const std::lock_guard<std::mutex> guard(lock);
-  notes.push_back(event);
+  {
+    const std::lock_guard<std::mutex> guard(lock);
+    notes.push_back(event);
+  }
+  if (listener) listener(event);
 }
 
 std::vector<std::string> HostJournal::events() const {
@@ -93,7 +96,7 @@ class LiveLink::Picture : public IVideoSinkCallbacks {
   std::vector<Bytes> contents;
 };
 
-LiveLink::LiveLink(const Identity& identity, const std::string& root)
+LiveLink::LiveLink(const Identity& identity, const std::string& root, const Identity& own)
     : journal_(std::make_shared<HostJournal>()) {
   receiver_.init(shared_ptr<IControllerCallbacks>(new Control(this)));
   transport_ = std::make_unique<MemoryTransport>(&receiver_);
@@ -103,7 +106,6 @@ LiveLink::LiveLink(const Identity& identity, const std::string& root)
   video_->addSupportedConfiguration(VIDEO_800x480, 30, 0, 0, 160);
   video_->setMaxUnacked(4);
   receiver_.registerService(video_.get());
-  const Identity& own = credentials().headUnit;
   if (!receiver_.controller().setClientCreds(root, own.certificate, own.key)) {
     throw std::runtime_error("the head unit refused its credentials");
   }

@@ -18,12 +18,15 @@ namespace test {
 class HostJournal {
  public:
   void note(const std::string& event);
+  /// Runs with each event, inside the callback that it comes from. Before the link starts.
+  void listens(std::function<void(const std::string& event)> call) { listener = std::move(call); }
   std::vector<std::string> events() const;
   bool has(const std::string& event) const;
 
  private:
   mutable std::mutex lock;  // guards notes
   std::vector<std::string> notes;
+  std::function<void(const std::string& event)> listener;
 };
 
 /// A head unit with its two threads and a video sink, and the phone on the other end of a byte stream in
@@ -40,9 +43,10 @@ class LiveLink {
   static constexpr std::uint8_t VIDEO_CHANNEL = 3;
   static constexpr int SESSION = 17;
 
-  /// The head unit trusts `root`; the phone shows `identity`.
+  /// The head unit trusts `root` and shows `own`; the phone shows `identity`.
   explicit LiveLink(const Identity& identity = credentials().phone,
-                    const std::string& root = credentials().root);
+                    const std::string& root = credentials().root,
+                    const Identity& own = credentials().headUnit);
   /// Stops the link if the test has not.
   ~LiveLink();
   LiveLink(const LiveLink&) = delete;

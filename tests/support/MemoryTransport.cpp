@@ -7,6 +7,7 @@ namespace test {
 namespace {
 
 constexpr int FATAL = -1;
+constexpr std::chrono::minutes LONG_ENOUGH(2);  // matters only to a test that fails
 
 }  // namespace
 
@@ -28,7 +29,6 @@ void MemoryTransport::ends() {
 }
 
 Bytes MemoryTransport::waitsForBytes() {
-  constexpr std::chrono::minutes LONG_ENOUGH(2);
   std::unique_lock<std::mutex> guard(lock);
   changed.wait_for(guard, LONG_ENOUGH, [this] { return !outgoing.empty() || abortCount > 0; });
   Bytes result;
@@ -72,12 +72,27 @@ int MemoryTransport::read(void* data, unsigned int length) {
 
 int MemoryTransport::write(void* data, unsigned int length) {
   const std::size_t count = writeCut ? std::min<std::size_t>(length, writeCut()) : length;
-  const std::lock_guard<std::mutex> guard(lock);
+  std::unique_lock<std::mutex> guard(lock);
+  if (holdingWrites) {
+    writeIsHeld = true;
+    changed.notify_all();
+    changed.wait(guard, [this] { return abortCount > 0; });
+  }
   if (++writeCount == failingWrite || abortCount > 0) return FATAL;
   const auto* const from = static_cast<const std::uint8_t*>(data);
   outgoing.insert(outgoing.end(), from, from + count);
   changed.notify_all();
   return static_cast<int>(count);
+}
+
+void MemoryTransport::holdsWrites() {
+  const std::lock_guard<std::mutex> guard(lock);
+  holdingWrites = true;
+}
+
+bool MemoryTransport::waitsForHeldWrite() {
+  std::unique_lock<std::mutex> guard(lock);
+  return changed.wait_for(guard, LONG_ENOUGH, [this] { return writeIsHeld; });
 }
 
 int MemoryTransport::reads() const {

@@ -40,6 +40,11 @@ class MemoryTransport : public Transport {
   void failsRead(int which) { failingRead = which; }
   void failsWrite(int which) { failingWrite = which; }
 
+  /// From now on a write waits for ever, or until the transfers are aborted.
+  void holdsWrites();
+  /// Blocks until a write waits; false if that takes for ever.
+  bool waitsForHeldWrite();
+
   int reads() const;
   int writes() const;
   int aborts() const;
@@ -55,6 +60,8 @@ class MemoryTransport : public Transport {
   std::size_t taken = 0;  // of incoming
   Bytes outgoing;
   bool ended = false;
+  bool holdingWrites = false;
+  bool writeIsHeld = false;
   int readCount = 0;
   int writeCount = 0;
   int abortCount = 0;

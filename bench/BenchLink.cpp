@@ -45,7 +45,9 @@ BenchLink::BenchLink(Security security, int channels) {
     receiver_.registerService(sinks_.back().get());
   }
   if (security == Security::tls) bringUp();
-  openChannels(std::min(channels, 254));
+  for (const std::unique_ptr<VideoSink>& sink : sinks_) {
+    openChannel(static_cast<unsigned char>(sink->id()), sink->id());
+  }
 }
 
 BenchLink::~BenchLink() {
@@ -73,17 +75,25 @@ void BenchLink::bringUp() {
   encrypts_ = true;
 }
 
-void BenchLink::openChannels(int channels) {
-  for (int channel = 1; channel <= channels; ++channel) {
-    ChannelOpenRequest request;
-    request.set_priority(0);
-    request.set_service_id(channel);
-    IoBuffer message;
-    MessageRouter::marshallProto(MESSAGE_CHANNEL_OPEN_REQUEST, request, &message);
-    receive(frame(static_cast<unsigned char>(channel), FRAME_ATOMIC | FRAME_FLAG_CONTROL, 0,
-                  message.content(), message.size()));
-    takeFrame();  // the response
-  }
+void BenchLink::offer(ProtocolEndpointBase* endpoint, unsigned char channel) {
+  receiver_.registerService(endpoint);
+  openChannel(channel, endpoint->id());
+}
+
+void BenchLink::openChannel(unsigned char channel, int service) {
+  ChannelOpenRequest request;
+  request.set_priority(0);
+  request.set_service_id(service);
+  IoBuffer message;
+  MessageRouter::marshallProto(MESSAGE_CHANNEL_OPEN_REQUEST, request, &message);
+  receive(frame(channel, FRAME_ATOMIC | FRAME_FLAG_CONTROL, 0, message.content(), message.size()));
+  takeFrame();  // the response
+}
+
+void BenchLink::deliver(unsigned char channel, const Bytes& message) {
+  Bytes bytes;
+  mediaFrame(channel, message, &bytes);
+  receive(bytes);
 }
 
 Bytes BenchLink::takeFrame() {
@@ -101,26 +111,37 @@ void BenchLink::sendPlain(unsigned short type, const Bytes& body) {
 
 Bytes BenchLink::frame(unsigned char channel, unsigned char flags, unsigned int total,
                        const unsigned char* data, std::size_t size) {
-  const std::size_t header = total != 0 ? 8 : HEADER;
-  Bytes bytes(header + size + 256);
-  bytes[0] = channel;
-  bytes[1] = flags;
-  const bool enciphered = encrypts_ && (flags & FRAME_FLAG_ENCRYPTED) != 0;
-  std::size_t length = size;
-  if (enciphered) {
-    length = phone_.encrypt(data, size, bytes.data() + header, bytes.size() - header);
-  } else {
-    std::copy_n(data, size, bytes.data() + header);
-  }
-  writeBigEndian16(bytes.data() + 2, static_cast<unsigned short>(length));
-  if (total != 0) writeBigEndian32(bytes.data() + 4, total);
-  bytes.resize(header + length);
+  Bytes bytes;
+  writeFrame(channel, flags, total, data, size, &bytes);
   return bytes;
 }
 
+void BenchLink::writeFrame(unsigned char channel, unsigned char flags, unsigned int total,
+                           const unsigned char* data, std::size_t size, Bytes* bytes) {
+  const std::size_t header = total != 0 ? 8 : HEADER;
+  bytes->resize(header + size + 256);
+  (*bytes)[0] = channel;
+  (*bytes)[1] = flags;
+  const bool enciphered = encrypts_ && (flags & FRAME_FLAG_ENCRYPTED) != 0;
+  std::size_t length = size;
+  if (enciphered) {
+    length = phone_.encrypt(data, size, bytes->data() + header, bytes->size() - header);
+  } else {
+    std::copy_n(data, size, bytes->data() + header);
+  }
+  writeBigEndian16(bytes->data() + 2, static_cast<unsigned short>(length));
+  if (total != 0) writeBigEndian32(bytes->data() + 4, total);
+  bytes->resize(header + length);
+}
+
 Bytes BenchLink::mediaFrame(unsigned char channel, std::size_t size) {
-  const Bytes message(size, 0);  // type 0 is media data; the rest is timestamp and content
-  return frame(channel, FRAME_ATOMIC | FRAME_FLAG_ENCRYPTED, 0, message.data(), size);
+  Bytes bytes;
+  mediaFrame(channel, Bytes(size, 0), &bytes);  // type 0 is media data; the rest is timestamp and content
+  return bytes;
+}
+
+void BenchLink::mediaFrame(unsigned char channel, const Bytes& message, Bytes* bytes) {
+  writeFrame(channel, FRAME_ATOMIC | FRAME_FLAG_ENCRYPTED, 0, message.data(), message.size(), bytes);
 }
 
 std::vector<Bytes> BenchLink::mediaFragments(unsigned char channel, std::size_t size) {

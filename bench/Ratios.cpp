@@ -4,11 +4,24 @@
 #include <cstring>
 #include <memory>
 
+namespace {
+
+constexpr const char* PER_MESSAGE = "ns/message";
+
+}  // namespace
+
+void perMessage(benchmark::State& state, int batch) {
+  const double messages = static_cast<double>(state.iterations()) * batch;
+  state.SetItemsProcessed(static_cast<std::int64_t>(messages));
+  state.counters[PER_MESSAGE] =
+      benchmark::Counter(messages * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
 void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
   for (const Run& run : runs) {
     if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
       medians_[run.run_name.function_name + (run.run_name.args.empty() ? "" : "/" + run.run_name.args)] =
-          run.GetAdjustedRealTime();
+          run.counters.at(PER_MESSAGE);
     }
   }
   ConsoleReporter::ReportRuns(runs);
@@ -57,8 +70,10 @@ int runWithRatios(int argc, char** argv, const std::vector<Ratio>& ratios) {
   std::vector<char*> arguments;
   // Random interleaving spreads the machine's bad moments over both sides of a ratio.
   std::string interleave = "--benchmark_enable_random_interleaving=true";
-  std::string repetitions = "--benchmark_repetitions=5";
+  std::string repetitions = "--benchmark_repetitions=15";
+  std::string leastTime = "--benchmark_min_time=0.1";
   arguments.push_back(argv[0]);
+  arguments.push_back(leastTime.data());
   arguments.push_back(interleave.data());
   arguments.push_back(repetitions.data());
   for (int i = 1; i < argc; ++i) {

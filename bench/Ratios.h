@@ -14,6 +14,9 @@ struct Ratio {
   double goal = 0;       ///< 0: none
 };
 
+/// Tells that each iteration of a benchmark was `batch` messages, so that tables show what one costs.
+void perMessage(benchmark::State& state, int batch);
+
 /// Prints the benchmarks as they run, keeps each one's median, and prints the ratios at the end.
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
@@ -26,9 +29,9 @@ class RatioReporter : public benchmark::ConsoleReporter {
 
  private:
   double median(const std::string& name) const;
-  std::map<std::string, double> medians_;  // nanoseconds
+  std::map<std::string, double> medians_;  // nanoseconds a message
 };
 
-/// Runs all registered benchmarks in random order, five times each, and prints the ratios. `--ratios=FILE`
+/// Runs all registered benchmarks in random order, many times each, and prints the ratios. `--ratios=FILE`
 /// writes them as JSON as well; everything else is Google Benchmark's.
 int runWithRatios(int argc, char** argv, const std::vector<Ratio>& ratios);

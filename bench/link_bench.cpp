@@ -5,38 +5,29 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 
-#include "AllocationCount.h"
 #include "BenchLink.h"
 #include "Ratios.h"
+#include "ThreadClock.h"
 
 namespace {
 
 using Security = BenchLink::Security;
 
-constexpr int BATCH = 256;  // messages between two looks at the clock
-
-/// This thread's processor time in seconds: what a frame costs, whatever else the machine is doing.
-double now() {
-  timespec time{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
-double secondsSince(double start) { return now() - start; }
-
-void perMessage(benchmark::State& state, int batch) {
-  state.SetItemsProcessed(state.iterations() * batch);
-  state.counters["ns/message"] =
-      benchmark::Counter(static_cast<double>(state.iterations() * batch) * 1e-9,
-                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+/// Messages between two looks at the clock: many, since the clock costs a system call, but few enough for
+/// them all to stay in the cache. Else the figures tell how busy the machine's memory is.
+int batchOf(std::size_t size) {
+  constexpr std::size_t MOST_BYTES = 512 * 1024;
+  constexpr std::size_t MOST = 256;
+  return static_cast<int>(std::min(MOST, MOST_BYTES / size));
 }
 
 /// A client and a server of plain OpenSSL, connected, with the cipher that a link gets.
 struct BarePair {
+  HeapLayout before;
   TlsPeer client{TlsPeer::Role::client};
   TlsPeer server{TlsPeer::Role::server};
+  HeapLayout behind;
 
   BarePair() {
     bool clientDone = false;
@@ -54,19 +45,20 @@ struct BarePair {
 
 void receive(benchmark::State& state, Security security) {
   BenchLink link(security, 1);
-  const auto size = static_cast<std::size_t>(state.range(0));
-  std::vector<Bytes> frames(BATCH);
+  const Bytes message(static_cast<std::size_t>(state.range(0)), 0);
+  const int batch = batchOf(message.size());
+  std::vector<Bytes> frames(static_cast<std::size_t>(batch));
   for (auto _ : state) {
-    for (Bytes& frame : frames) frame = link.mediaFrame(1, size);
+    for (Bytes& frame : frames) link.mediaFrame(1, message, &frame);
     const double start = now();
     for (const Bytes& frame : frames) link.receive(frame);
     state.SetIterationTime(secondsSince(start));
   }
-  if (link.delivered() != static_cast<unsigned long long>(state.iterations()) * BATCH) {
+  if (link.delivered() != static_cast<unsigned long long>(state.iterations() * batch)) {
     state.SkipWithError("messages were lost");
   }
   if (security == Security::tls) state.SetLabel(link.cipher());
-  perMessage(state, BATCH);
+  perMessage(state, batch);
 }
 
 void receiveTls(benchmark::State& state) { receive(state, Security::tls); }
@@ -75,8 +67,9 @@ void receivePlain(benchmark::State& state) { receive(state, Security::plain); }
 void receiveTlsBare(benchmark::State& state) {
   BarePair pair;
   const Bytes plain(static_cast<std::size_t>(state.range(0)), 0);
+  const int batch = batchOf(plain.size());
   Bytes out(plain.size() + 256);
-  std::vector<Bytes> records(BATCH);
+  std::vector<Bytes> records(static_cast<std::size_t>(batch));
   Bytes wire(plain.size() + 256);
   for (auto _ : state) {
     for (Bytes& record : records) {
@@ -91,15 +84,16 @@ void receiveTlsBare(benchmark::State& state) {
     state.SetIterationTime(secondsSince(start));
   }
   state.SetLabel(pair.client.cipher());
-  perMessage(state, BATCH);
+  perMessage(state, batch);
 }
 
 /// Reading a message into a buffer of its own, and nothing else.
 void receivePlainBare(benchmark::State& state) {
   const Bytes frame(static_cast<std::size_t>(state.range(0)) + 4, 1);
+  const int batch = batchOf(frame.size());
   for (auto _ : state) {
     const double start = now();
-    for (int i = 0; i < BATCH; ++i) {
+    for (int i = 0; i < batch; ++i) {
       void* const buffer = malloc(frame.size());
       memcpy(buffer, frame.data(), frame.size());
       benchmark::DoNotOptimize(buffer);
@@ -107,53 +101,64 @@ void receivePlainBare(benchmark::State& state) {
     }
     state.SetIterationTime(secondsSince(start));
   }
-  perMessage(state, BATCH);
+  perMessage(state, batch);
 }
 
 void send(benchmark::State& state, Security security) {
   BenchLink link(security, 1);
   Bytes message(static_cast<std::size_t>(state.range(0)), 0);
+  const int batch = batchOf(message.size());
   IoBuffer out;
   unsigned long long sent = 0;
   for (auto _ : state) {
     const double start = now();
-    for (int i = 0; i < BATCH; ++i) {
+    for (int i = 0; i < batch; ++i) {
       link.receiver().messageRouter()->queueOutgoing(1, message.data(),
                                                      static_cast<unsigned int>(message.size()));
       sent += link.receiver().getEncodedFrame(&out) ? 1U : 0U;
     }
     state.SetIterationTime(secondsSince(start));
   }
-  if (sent != static_cast<unsigned long long>(state.iterations()) * BATCH)
+  if (sent != static_cast<unsigned long long>(state.iterations() * batch))
     state.SkipWithError("frames were lost");
   if (security == Security::tls) state.SetLabel(link.cipher());
-  perMessage(state, BATCH);
+  perMessage(state, batch);
 }
 
 void sendTls(benchmark::State& state) { send(state, Security::tls); }
 void sendPlain(benchmark::State& state) { send(state, Security::plain); }
 
-void sendTlsBare(benchmark::State& state) {
+/// `queued`: with the one copy that lets a message outlive its sender until its turn comes.
+void sendBare(benchmark::State& state, bool queued) {
   BarePair pair;
   const Bytes plain(static_cast<std::size_t>(state.range(0)), 0);
+  const int batch = batchOf(plain.size());
   Bytes out(plain.size() + 256);
   for (auto _ : state) {
     const double start = now();
-    for (int i = 0; i < BATCH; ++i) {
-      benchmark::DoNotOptimize(pair.client.encrypt(plain.data(), plain.size(), out.data(), out.size()));
+    for (int i = 0; i < batch; ++i) {
+      void* const copy = queued ? malloc(plain.size()) : nullptr;
+      if (queued) memcpy(copy, plain.data(), plain.size());
+      const void* const source = queued ? copy : plain.data();
+      benchmark::DoNotOptimize(pair.client.encrypt(source, plain.size(), out.data(), out.size()));
+      free(copy);
     }
     state.SetIterationTime(secondsSince(start));
   }
   state.SetLabel(pair.client.cipher());
-  perMessage(state, BATCH);
+  perMessage(state, batch);
 }
+
+void sendTlsBare(benchmark::State& state) { sendBare(state, false); }
+void sendTlsBareQueued(benchmark::State& state) { sendBare(state, true); }
 
 /// The two copies that a message needs to outlive its sender and to stand behind its header.
 void sendPlainBare(benchmark::State& state) {
   const Bytes message(static_cast<std::size_t>(state.range(0)), 1);
+  const int batch = batchOf(message.size());
   for (auto _ : state) {
     const double start = now();
-    for (int i = 0; i < BATCH; ++i) {
+    for (int i = 0; i < batch; ++i) {
       void* const queued = malloc(message.size());
       memcpy(queued, message.data(), message.size());
       benchmark::DoNotOptimize(queued);
@@ -165,7 +170,7 @@ void sendPlainBare(benchmark::State& state) {
     }
     state.SetIterationTime(secondsSince(start));
   }
-  perMessage(state, BATCH);
+  perMessage(state, batch);
 }
 
 constexpr int MOST_CHANNELS = 255;  // channel 0 and 254 services
@@ -215,6 +220,7 @@ BENCHMARK(receiveTls)->Arg(16128)->Arg(64)->UseManualTime();
 BENCHMARK(receiveTlsBare)->Arg(16128)->Arg(64)->UseManualTime();
 BENCHMARK(sendTls)->Arg(16128)->Arg(64)->UseManualTime();
 BENCHMARK(sendTlsBare)->Arg(16128)->Arg(64)->UseManualTime();
+BENCHMARK(sendTlsBareQueued)->Arg(16128)->UseManualTime();
 BENCHMARK(receivePlain)->Arg(16128)->Arg(64)->UseManualTime();
 BENCHMARK(receivePlainBare)->Arg(16128)->Arg(64)->UseManualTime();
 BENCHMARK(sendPlain)->Arg(16128)->Arg(64)->UseManualTime();
@@ -227,6 +233,7 @@ const std::vector<Ratio> ratios = {
     {"receive, TLS, 64 bytes / bare OpenSSL", "receiveTls/64", "receiveTlsBare/64", 0.60},
     {"send, TLS, 16128 bytes / bare OpenSSL", "sendTls/16128", "sendTlsBare/16128", 0.93},
     {"send, TLS, 64 bytes / bare OpenSSL", "sendTls/64", "sendTlsBare/64", 0.55},
+    {"send, TLS, 16128 bytes / bare OpenSSL, queued", "sendTls/16128", "sendTlsBareQueued/16128", 0},
     {"receive, plain, 16128 bytes / one copy", "receivePlain/16128", "receivePlainBare/16128", 0},
     {"receive, plain, 64 bytes / one copy", "receivePlain/64", "receivePlainBare/64", 0},
     {"send, plain, 16128 bytes / two copies", "sendPlain/16128", "sendPlainBare/16128", 0},
@@ -237,47 +244,6 @@ const std::vector<Ratio> ratios = {
     {"receive, 255 busy channels / 1", "receiveChannels/255", "receiveChannels/1", 0.90},
 };
 
-/// Counted on plain frames, so that what OpenSSL does for itself stays out of the sums.
-void printCosts() {
-  constexpr unsigned int SIZE = 16128;
-  BenchLink link(Security::plain, 1);
-  const Bytes atomic = link.mediaFrame(1, SIZE);
-  const std::vector<Bytes> fragments = link.mediaFragments(1, 4 * SIZE);
-  Bytes message(SIZE, 0);
-  IoBuffer out;
-  MessageRouter* const router = link.receiver().messageRouter();
-
-  printf("\n%-46s %12s %12s\n", "", "allocations", "copies");
-  const auto print = [](const char* title, const Costs& costs, double frames) {
-    printf("%-46s %12.2f %12.2f\n", title, costs.allocations / frames, costs.copies / frames);
-  };
-  // The first of each fills pools and deques; the transport's own copy into the buffer is taken off.
-  constexpr int FRAMES = 1000;
-  Costs costs = countCosts(SIZE, [&] {
-    for (int i = 0; i < FRAMES; ++i) link.receive(atomic);
-  });
-  costs.copies -= FRAMES;
-  print("per received frame, whole message", costs, FRAMES);
-  costs = countCosts(SIZE, [&] {
-    for (int i = 0; i < FRAMES; ++i) {
-      for (const Bytes& fragment : fragments) link.receive(fragment);
-    }
-  });
-  costs.copies -= 4.0 * FRAMES;
-  print("per received frame, fragment of four", costs, 4.0 * FRAMES);
-  costs = countCosts(SIZE, [&] {
-    for (int i = 0; i < FRAMES; ++i) {
-      router->queueOutgoing(1, message.data(), SIZE);
-      if (!link.receiver().getEncodedFrame(&out)) exit(2);
-    }
-  });
-  print("per sent frame", costs, FRAMES);
-}
-
 }  // namespace
 
-int main(int argc, char** argv) {
-  const int status = runWithRatios(argc, argv, ratios);
-  if (status == 0 && argc == 1) printCosts();
-  return status;
-}
+int main(int argc, char** argv) { return runWithRatios(argc, argv, ratios); }

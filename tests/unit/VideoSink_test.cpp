@@ -211,6 +211,23 @@ TEST_F(ResolutionTest, TellsItsPixels) {
   EXPECT_EQ(std::make_pair(width, height), std::make_pair(1920, 1080));
 }
 
+/// Grants a way to what a record keeps to itself: its setter ends the process at a number that is unknown,
+/// and its parser leaves it out.
+template <auto Member>
+struct Way {
+  friend auto wayToFields(VideoConfiguration* configuration) { return &(configuration->*Member); }
+};
+auto wayToFields(VideoConfiguration* configuration);
+template struct Way<&VideoConfiguration::_impl_>;
+
+TEST_F(ResolutionTest, LeavesThePixelsAloneWhereItIsUnknown) {
+  for (const int unknown : {0, 4, -1}) {
+    wayToFields(&configuration)->codec_resolution_ = unknown;
+    EXPECT_EQ(sink.codecResolutionToPixels(configuration, &width, &height), STATUS_INVALID_CONFIGURATION);
+  }
+  EXPECT_EQ(std::make_pair(width, height), std::make_pair(-1, -1));
+}
+
 using VideoSinkDeathTest = VideoSinkTest;
 
 TEST_F(VideoSinkDeathTest, ANumberOutsideItsEnumerationStopsTheProcess) {

@@ -24,7 +24,7 @@ void drawTunerCard(Brush* brush, Box box, const TunerView& tuner);
 void drawCallsCard(Brush* brush, Box box, const std::vector<CallView>& calls);
 void drawBrowserCard(Brush* brush, Box box, const BrowserView& browser, Targets* targets);
 /// Over whatever stands in `strip`.
-void drawToast(Brush* brush, const Box& strip, const NoticeView& notice);
+void drawToast(Brush* brush, const Box& strip, const NoticeView& notice, Targets* targets);
 void drawPairing(Brush* brush, const Box& strip, const PairingView& pairing, Targets* targets);
 
 /// The height of a card that shows `count` calls.

@@ -30,11 +30,12 @@ void drawPasskey(Brush* brush, const Box& box, const std::string& passkey) {
 
 }  // namespace
 
-void drawToast(Brush* brush, const Box& strip, const NoticeView& notice) {
+void drawToast(Brush* brush, const Box& strip, const NoticeView& notice, Targets* targets) {
   constexpr double HEIGHT = 64;
   Box box{strip.x + MARGIN, strip.bottom() - MARGIN - HEIGHT, strip.width - 2 * MARGIN, HEIGHT};
   brush->fill({box.x, box.y + 3, box.width, box.height}, {0x000000, 0.35}, CARD_RADIUS);
   brush->fill(box, TOAST, CARD_RADIUS);
+  targets->push_back({box, {ClusterKey::back}});
   box = box.inset(10);
   const Box icon = box.takeLeft(box.height);
   if (notice.icon) {

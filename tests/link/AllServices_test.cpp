@@ -13,7 +13,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int ROUNDS = 20;
+constexpr int ROUNDS = 10;
 constexpr Number EACH = 100;  // messages of each kind in a round
 
 /// The phone's ear on the channel of one service.

@@ -19,7 +19,7 @@ class ProtocolEndpointBase;
 /// starts; everything else on the reader thread.
 class VANTRY_EXPORT MessageRouter {
  public:
-  MessageRouter() = default;
+  MessageRouter();
   MessageRouter(const MessageRouter&) = delete;
   MessageRouter& operator=(const MessageRouter&) = delete;
 
@@ -41,39 +41,51 @@ class VANTRY_EXPORT MessageRouter {
   /// answer.
   int routeMessage(unsigned char channel, const shared_ptr<IoBuffer>& message);
 
-  /// Delivers a control frame, whose `length` message bytes are at `message`.
+  /// Delivers a control frame, whose `length` message bytes are at `message`. Returns what came of the
+  /// request, and STATUS_INVALID_CHANNEL for one that does not parse. A type other than open and close is
+  /// answered with MESSAGE_UNEXPECTED_MESSAGE; on a channel that is not registered, where no answer can
+  /// leave, it ends the process.
   int routeChannelControlMsg(const shared_ptr<Frame>& frame, void* message, unsigned int length);
 
-  /// Judges an open request and, on STATUS_SUCCESS, maps the channel.
+  /// Judges an open request and, on STATUS_SUCCESS, maps the channel. STATUS_INVALID_CHANNEL if the channel
+  /// is mapped already, STATUS_NO_SUCH_SERVICE if there is no service of that id, STATUS_CHANNEL_REFUSED if
+  /// the endpoint refuses; nothing changes then.
   int handleChannelOpenReq(unsigned char channel, const ChannelOpenRequest& request);
 
   /// Tells the endpoint of its channel.
   void notifyChannelOpened(unsigned char channel, const ChannelOpenRequest& request);
 
-  /// Judges a close notification and, on STATUS_SUCCESS, unmaps the channel.
+  /// Judges a close notification and, on STATUS_SUCCESS, unmaps the channel. STATUS_INVALID_CHANNEL if the
+  /// channel is not mapped, STATUS_NO_SUCH_SERVICE if its service is gone, STATUS_INVALID_STATE if the
+  /// endpoint refuses; the mapping stays then.
   int handleChannelCloseNotif(unsigned char channel, const ChannelCloseNotification& notification);
 
   /// Queues the verdict on `channel`; dropped, with STATUS_INVALID_CHANNEL, where the channel is not
   /// registered. `status` must be a MessageStatus; anything else ends the process.
   int sendChannelOpenResp(unsigned char channel, int status);
 
-  /// Tells the phone that its message on `channel` was not understood.
+  /// Tells the phone that its message on `channel` was not understood. Returns the status of the queueing, as
+  /// queueOutgoing.
   int sendUnexpectedMessage(unsigned char channel);
 
   /// Any thread: the head unit's own way of closing. Notifies the phone and unmaps the channel, so that what
   /// still arrives on it is dropped; the endpoint is not told and still counts its channel as open. Returns
-  /// false if the channel is not mapped.
+  /// false if the channel is not mapped. Where the phone closes the channel and opens it to another service
+  /// meanwhile, the new mapping stays.
   bool closeChannel(unsigned char channel);
 
   /// The 16-bit type in the first two of the bytes at `data`.
   static unsigned short extractType(unsigned char* data);
 
   /// Replaces `out`'s content by a whole message: the two type bytes and the serialized record. Required
-  /// fields are the sender's duty and are not checked.
+  /// fields are the sender's duty and are not checked. A record of 2 GiB or more leaves `out` empty, which
+  /// sends nothing.
   static void marshallProto(unsigned short type, const google::protobuf::MessageLite& message, IoBuffer* out);
 
   /// Any thread: queues a whole message, encrypted once the handshake has succeeded. `data` is copied before
-  /// the call returns. STATUS_INVALID_CHANNEL if the channel is not registered.
+  /// the call returns; a `length` of 0 sends nothing. STATUS_INVALID_CHANNEL if the channel is not
+  /// registered, and after `shutdown`. A message of more than MAX_FRAGMENT_PAYLOAD (16128) bytes stays whole
+  /// on the wire only if no other, long or short, is queued on its channel at the same time.
   int queueOutgoing(unsigned char channel, void* data, unsigned int length);
 
   /// The same, never encrypted.
@@ -96,7 +108,7 @@ class VANTRY_EXPORT MessageRouter {
 
   static constexpr unsigned char UNMAPPED = 255;
 
-  std::atomic<unsigned char> channelToService[256] = {};
+  std::atomic<unsigned char> channelToService[256];
   ProtocolEndpointBase* services[255] = {};  // not owned
   std::atomic<ChannelManager*> channelManager{nullptr};
 };

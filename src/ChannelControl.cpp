@@ -90,8 +90,10 @@ int MessageRouter::sendChannelOpenResp(unsigned char channel, int status) {
 }
 
 bool MessageRouter::closeChannel(unsigned char channel) {
-  if (channelToService[channel] == UNMAPPED) return false;
+  unsigned char service = channelToService[channel];
+  if (service == UNMAPPED) return false;
   sendControl(channel, MESSAGE_CHANNEL_CLOSE_NOTIFICATION, ChannelCloseNotification());
-  channelToService[channel] = UNMAPPED;
+  // By now the phone may have closed the channel and opened it anew, to another service: that mapping stays.
+  channelToService[channel].compare_exchange_strong(service, UNMAPPED);
   return true;
 }

@@ -1,5 +1,8 @@
 #include "MessageRouter.h"
 
+#include <cassert>
+#include <climits>
+
 #include "BigEndian.h"
 #include "ChannelManager.h"
 #include "Controller.h"
@@ -9,6 +12,8 @@
 
 // The services, and the way of a whole message to and from them. Opening and closing of channels is in
 // ChannelControl.cpp.
+
+MessageRouter::MessageRouter() { init(nullptr); }
 
 bool MessageRouter::init(ChannelManager* manager) {
   channelManager = manager;
@@ -38,11 +43,18 @@ unsigned short MessageRouter::extractType(unsigned char* data) { return readBigE
 
 void MessageRouter::marshallProto(unsigned short type, const google::protobuf::MessageLite& message,
                                   IoBuffer* out) {
-  const auto size = static_cast<unsigned int>(message.ByteSizeLong());
-  out->resize(size + MESSAGE_TYPE_SIZE);
+  const std::size_t size = message.ByteSizeLong();
+  if (size > INT_MAX - MESSAGE_TYPE_SIZE) {  // no message can be that long
+    out->resize(0);
+    return;
+  }
+  out->resize(static_cast<unsigned int>(size) + MESSAGE_TYPE_SIZE);
   writeBigEndian16(out->data, type);
   // Partial: the strict form ends the process when a required field is missing.
-  message.SerializePartialToArray(out->data + MESSAGE_TYPE_SIZE, static_cast<int>(size));
+  const bool serialized =
+      message.SerializePartialToArray(out->data + MESSAGE_TYPE_SIZE, static_cast<int>(size));
+  assert(serialized);
+  static_cast<void>(serialized);
 }
 
 int MessageRouter::routeMessage(unsigned char channel, const shared_ptr<IoBuffer>& message) {

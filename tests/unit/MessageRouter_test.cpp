@@ -228,5 +228,44 @@ TEST_F(MessageRouterTest, InitForgetsServicesAndMappings) {
   EXPECT_TRUE(router.registerService(&service));
 }
 
+/// A record that only claims to be of a size.
+struct ClaimedRecord : google::protobuf::MessageLite {
+  explicit ClaimedRecord(std::size_t claimed) : size(claimed) {}
+  std::size_t size;
+
+  std::string GetTypeName() const override { return "ClaimedRecord"; }
+  MessageLite* New(google::protobuf::Arena*) const override { return nullptr; }
+  void Clear() override {}
+  bool IsInitialized() const override { return true; }
+  void CheckTypeAndMergeFrom(const MessageLite&) override {}
+  std::size_t ByteSizeLong() const override { return size; }
+  int GetCachedSize() const override { return static_cast<int>(size); }
+  google::protobuf::uint8* _InternalSerialize(google::protobuf::uint8* target,
+                                              google::protobuf::io::EpsCopyOutputStream*) const override {
+    ADD_FAILURE() << "a record of " << size << " bytes is written";
+    return target;
+  }
+};
+
+TEST_F(MessageRouterTest, ARecordLongerThanAMessageCanBeLeavesNothingToSend) {
+  for (const std::size_t size : {std::size_t{0x7FFFFFFE}, std::size_t{0x7FFFFFFF}, std::size_t{0xFFFFFFFF},
+                                 std::size_t{0x100000002}}) {
+    IoBuffer message(7);
+    MessageRouter::marshallProto(0x8001, ClaimedRecord(size), &message);
+    EXPECT_EQ(message.size(), 0U) << size;
+    EXPECT_EQ(service.sendRecord(0x8001, ClaimedRecord(size)), STATUS_SUCCESS);
+  }
+  EXPECT_THAT(link.sentFrames(), IsEmpty());
+}
+
+TEST(FreshMessageRouterTest, HasNoChannelMapped) {
+  MessageRouter router;
+  for (int channel = 0; channel < 256; ++channel) {
+    EXPECT_FALSE(router.closeChannel(static_cast<unsigned char>(channel))) << channel;
+    EXPECT_EQ(router.routeMessage(static_cast<unsigned char>(channel), shared_ptr<IoBuffer>(new IoBuffer(2))),
+              STATUS_INVALID_CHANNEL);
+  }
+}
+
 }  // namespace
 }  // namespace test

@@ -1,5 +1,7 @@
 #include "MediaPlaybackStatusEndpoint.h"
 
+#include <utility>
+
 #include "InstrumentCluster.h"
 #include "Message.h"
 
@@ -35,7 +37,7 @@ int MediaPlaybackStatusEndpoint::handleMediaPlaybackStatus(const MediaPlaybackSt
   copy.shuffle = status.shuffle();
   copy.repeat = status.repeat();
   copy.repeatOne = status.repeat_one();
-  callbacks->mediaPlaybackStatus(copy);
+  callbacks->mediaPlaybackStatus(std::move(copy));
   return STATUS_SUCCESS;
 }
 
@@ -49,7 +51,7 @@ int MediaPlaybackStatusEndpoint::handleMediaPlaybackMetadata(const MediaPlayback
   copy.playlist = metadata.playlist();
   copy.durationSeconds = metadata.duration_seconds();
   copy.rating = metadata.rating();
-  callbacks->mediaPlaybackMetadata(copy);
+  callbacks->mediaPlaybackMetadata(std::move(copy));
   return STATUS_SUCCESS;
 }
 

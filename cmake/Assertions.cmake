@@ -2,3 +2,5 @@
 foreach(type DEBUG RELEASE RELWITHDEBINFO MINSIZEREL)
   string(REGEX REPLACE "[-/]D *NDEBUG" "" CMAKE_CXX_FLAGS_${type} "${CMAKE_CXX_FLAGS_${type}}")
 endforeach()
+# Behind all other flags, since the builder's own may ask for it.
+add_compile_options(-UNDEBUG)

@@ -138,8 +138,8 @@ void BrowserService::back() {
 
 // Start and total come unchecked from the phone.
 BrowserService::Page::Page(Level pageLevel, const std::string& pagePath, const std::string& pageTitle,
-                           int first, int all)
-    : level(pageLevel) {
+                           int first, int all) {
+  level = pageLevel;
   view.path = pagePath;
   view.title = forScreen(pageTitle);
   view.start = static_cast<unsigned int>(std::max(first, 0));

@@ -57,7 +57,7 @@ class BrowserService : public IMediaBrowserCallbacks {
     void add(const std::string& path, const std::string& name, const std::string& detail,
              const std::string& picture);
 
-    Level level;
+    Level level = Level::root;
     BrowserView view;
     std::vector<std::string> pictures;  ///< encoded, of each entry
   };

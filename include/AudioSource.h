@@ -17,7 +17,7 @@
 class VANTRY_EXPORT AudioSource : public ProtocolEndpointBase {
  public:
   /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to
-  /// `sourceCallbacks`.
+  /// `sourceCallbacks`, which must point to an object, until destruction.
   AudioSource(int id, MessageRouter* messageRouter, const shared_ptr<IAudioSourceCallbacks>& sourceCallbacks);
   ~AudioSource() override;
 
@@ -26,12 +26,17 @@ class VANTRY_EXPORT AudioSource : public ProtocolEndpointBase {
   void setCodecType(int type) { codecType = type; }
 
   /// Before discovery: the one format on offer (initially all 0), in samples per second, bits per sample and
-  /// channels. Nothing is checked, and nothing is sent.
+  /// channels. Nothing is checked, and nothing is sent; the numbers travel as unsigned ones, so that a
+  /// negative one arrives as a large one.
   void setConfig(int newSamplingRate, int newNumberOfBits, int newNumberOfChannels);
 
-  /// Any thread: sends the content of `buffer`, which is copied before the call returns, as one media data
-  /// message. `timestamp` is passed on unchanged. Dropped while no channel is open; a closed microphone holds
-  /// nothing back.
+  /// Any thread: sends the content of `buffer`, which must point to an object and is copied before the call
+  /// returns, as one media data message. `timestamp` is passed on unchanged. Dropped while no channel is
+  /// open, and if it is longer than a message can be; a closed microphone holds nothing back.
+  ///
+  /// Blocks of more than 16118 bytes make long messages, which stand no other send of this service beside
+  /// them: see ProtocolEndpointBase. The answer to a microphone request is such a send, on the reader thread,
+  /// so smaller blocks are the way out.
   void send(unsigned long long timestamp, shared_ptr<IoBuffer> const& buffer);
 
   /// Any thread: answers a microphone request; done by itself with the result of

@@ -13,15 +13,18 @@
 class VANTRY_EXPORT NotificationEndpoint : public ProtocolEndpointBase {
  public:
   /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to
-  /// `notificationCallbacks`, which must point to an object.
+  /// `notificationCallbacks`, which must point to an object, until destruction.
   NotificationEndpoint(int id, MessageRouter* messageRouter,
                        const shared_ptr<INotificationCallbacks>& notificationCallbacks);
   ~NotificationEndpoint() override;
 
   /// Any thread: notifies the phone. `id` counts only if `hasId`; `icon`, an encoded image of `iconLength`
-  /// bytes, only if `hasIcon`. All is copied before the call returns. STATUS_INVALID_CHANNEL, and nothing
-  /// sent, unless the phone is subscribed; otherwise STATUS_SUCCESS, also if no channel is open, which drops
-  /// the message.
+  /// bytes, only if `hasIcon`, and may be null only if `iconLength` is 0. All is copied before the call
+  /// returns. STATUS_INVALID_CHANNEL, and nothing sent, unless the phone is subscribed; otherwise
+  /// STATUS_SUCCESS, also if no channel is open, which drops the message.
+  ///
+  /// With an icon it is easily longer than 16128 bytes; then no other notification or acknowledgement may be
+  /// sent meanwhile: see ProtocolEndpointBase.
   int sendNotification(const std::string& text, bool hasId, const std::string& id, bool hasIcon,
                        unsigned char* icon, unsigned int iconLength);
 

@@ -15,6 +15,15 @@ class MessageRouter;
 /// The host creates an endpoint, registers it before the link starts, and keeps it for at least as long as
 /// the link. All virtual operations run on the reader thread, inside VantryReceiver::queueIncoming, and must
 /// return soon: the next frame waits for them. Sends may come from any thread.
+///
+/// Long messages: one of more than MAX_FRAGMENT_PAYLOAD (16128) bytes leaves in several frames, and no other
+/// message of its channel, however short, may get between them: to the phone that is a broken stream. A
+/// service of which any message is long therefore has one sender at a time, by a lock of the host's around
+/// all its sends. The answers that a service gives by itself, and what its callbacks send, are sends too, on
+/// the reader thread. Messages of other channels do no harm.
+///
+/// Callback objects are dropped by the service's destructor, on the thread that destroys it: if the host
+/// keeps no reference of its own, they are destroyed there.
 class VANTRY_EXPORT ProtocolEndpointBase {
  public:
   /// `id`: 0 to 254, of which 0 is the Controller's; only the low 8 bits count. `messageRouter`: that of the
@@ -54,10 +63,12 @@ class VANTRY_EXPORT ProtocolEndpointBase {
 
  protected:
   /// Any thread: queues `record` as a message of `type`, encrypted. Returns the status of the queueing;
-  /// STATUS_SUCCESS as well if no channel is open, which drops the message.
+  /// STATUS_SUCCESS as well if no channel is open, which drops the message, and for a record of 2 GiB or
+  /// more, which no message can hold. A record must not change during the call.
   int sendRecord(unsigned short type, const google::protobuf::MessageLite& record);
 
-  /// Any thread: the same for a whole message, type included. `data` is copied before the call returns.
+  /// Any thread: the same for a whole message, type included. `data` is copied before the call returns. A
+  /// `length` of 0 sends nothing.
   int sendMessage(void* data, unsigned int length);
 
   std::atomic<bool> channelOpened{false};

@@ -9,13 +9,15 @@
 class VANTRY_EXPORT VendorExtension : public ProtocolEndpointBase {
  public:
   /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to
-  /// `extensionCallbacks`, which must point to an object.
+  /// `extensionCallbacks`, which must point to an object, until destruction.
   VendorExtension(int id, MessageRouter* messageRouter,
                   const shared_ptr<IVendorExtensionCallbacks>& extensionCallbacks);
   ~VendorExtension() override;
 
   /// Any thread: sends `length` bytes at `data`, copied before the call returns, as one message with nothing
-  /// added: a type, where there is one, is the caller's to write. Dropped while no channel is open.
+  /// added: a type, where there is one, is the caller's to write. Dropped while no channel is open; a
+  /// `length` of 0 sends nothing. While one of more than 16128 bytes is being sent, no other may be: see
+  /// ProtocolEndpointBase.
   void sendData(void* data, unsigned int length);
 
   /// Reader thread: hands all of `buffer`'s content to the callbacks and returns their result.

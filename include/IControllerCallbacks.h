@@ -9,8 +9,9 @@
 ///
 /// All operations run on the reader thread, inside VantryReceiver::queueIncoming, except that
 /// unrecoverableError can also come from the writer thread. They may call back into Controller, which is how
-/// the host answers, and Transport::requestStop; they must not call Transport::waitForExit or
-/// VantryReceiver::shutdown. The link stands still while they run. Strings are valid during the call only.
+/// the host answers, and into anything else that sends, and Transport::requestStop; they must not call
+/// Transport::waitForExit or VantryReceiver::shutdown, nor destroy anything of the link. The link stands
+/// still while they run. Strings are valid during the call only.
 class VANTRY_EXPORT IControllerCallbacks {
  public:
   virtual ~IControllerCallbacks() = default;
@@ -21,7 +22,8 @@ class VANTRY_EXPORT IControllerCallbacks {
                                        const std::string& largeIcon, const std::string& labelText) = 0;
 
   /// The link is beyond repair: a framing error, an encryption failure or a failed authentication. The
-  /// library does not stop its threads: the host is to stop the link. May come more than once.
+  /// library does not stop its threads: the host is to stop the link, and soon, since after a framing error
+  /// the writer thread does not rest until then. May come more than once.
   virtual void unrecoverableError() = 0;
 
   /// The phone pings; the library answers by itself right after this call. `timestamp` is the phone's own

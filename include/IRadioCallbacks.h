@@ -4,15 +4,15 @@
 #include "VantryExport.h"
 
 /// What the phone wants of the host's tuner. All operations run on the reader thread, and the link stands
-/// still while they run.
+/// still while they run. A callback may send and call Transport::requestStop; it must not call
+/// Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IRadioCallbacks {
  public:
   virtual ~IRadioCallbacks() = default;
 
   /// Tune to `frequencyHz` (hertz, 0 if the phone named none). Returns whether it was done; the phone is
   /// answered as soon as this returns. To tell the phone of the station as well, also where it could not be
-  /// tuned, set
-  /// `*hasRdsData`, which is false before, and fill `*rdsData`. Both are valid during the call.
+  /// tuned, set `*hasRdsData`, which is false before, and fill `*rdsData`. Both are valid during the call.
   virtual bool setStation(int frequencyHz, bool* hasRdsData, RdsData* rdsData) = 0;
 
   /// Switch the tuner off. The phone is answered by itself.

@@ -2,7 +2,8 @@
 
 #include "VantryExport.h"
 
-/// What receives the bytes of a vendor extension.
+/// What receives the bytes of a vendor extension. A callback may send and call Transport::requestStop; it
+/// must not call Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IVendorExtensionCallbacks {
  public:
   virtual ~IVendorExtensionCallbacks() = default;

@@ -4,7 +4,9 @@
 #include "VantryExport.h"
 #include "shared_ptr.h"
 
-/// What the host hears of a video stream. All operations run on the reader thread: decode elsewhere.
+/// What the host hears of a video stream. All operations run on the reader thread: decode elsewhere. A
+/// callback may send and call Transport::requestStop; it must not call Transport::waitForExit or
+/// VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IVideoSinkCallbacks {
  public:
   virtual ~IVideoSinkCallbacks() = default;

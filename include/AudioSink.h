@@ -10,7 +10,8 @@
 /// unit has one AudioSink for each stream type that it plays.
 class VANTRY_EXPORT AudioSink : public MediaSinkBase {
  public:
-  /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to `sinkCallbacks`.
+  /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to
+  /// `sinkCallbacks`, which must point to an object, until destruction.
   AudioSink(int id, MessageRouter* messageRouter, const shared_ptr<IAudioSinkCallbacks>& sinkCallbacks);
   ~AudioSink() override;
 

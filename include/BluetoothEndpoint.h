@@ -15,7 +15,8 @@
 class VANTRY_EXPORT BluetoothEndpoint : public ProtocolEndpointBase {
  public:
   /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to
-  /// `bluetoothCallbacks`. With a pointer to no object the phone's requests go unanswered.
+  /// `bluetoothCallbacks` until destruction or registerCallbacks. With a pointer to no object the phone's
+  /// requests go unanswered.
   BluetoothEndpoint(int id, MessageRouter* messageRouter,
                     const shared_ptr<IBluetoothCallbacks>& bluetoothCallbacks);
   ~BluetoothEndpoint() override;

@@ -10,7 +10,8 @@
 /// codes that it wants, and only events of those go out; touches need no binding.
 ///
 /// Threads: the setters before the link starts; the reports on any thread, any number at once. Each report is
-/// one message, sent at once, and dropped while no channel is open. A `timestamp` is passed on unchanged.
+/// one message, sent at once, and dropped while no channel is open. A `timestamp` is passed on unchanged; its
+/// unit and its zero are as agreed between the host and the phone.
 class VANTRY_EXPORT InputSource : public ProtocolEndpointBase {
  public:
   /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter().
@@ -50,7 +51,8 @@ class VANTRY_EXPORT InputSource : public ProtocolEndpointBase {
   // These return STATUS_INVALID_KEYCODE, with nothing sent, if `keycode` is not bound; otherwise
   // STATUS_SUCCESS.
 
-  /// A key goes down or up. `metastate` is passed on unchanged.
+  /// A key goes down or up. `metastate` is passed on unchanged: which bit is which modifier is as agreed with
+  /// the phone.
   int reportKey(unsigned long long timestamp, unsigned int keycode, bool down, unsigned int metastate);
 
   /// A key has been held down for long.

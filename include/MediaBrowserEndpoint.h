@@ -12,14 +12,15 @@
 class VANTRY_EXPORT MediaBrowserEndpoint : public ProtocolEndpointBase {
  public:
   /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to
-  /// `browserCallbacks`; with a pointer to no object messages count as handled and go nowhere.
+  /// `browserCallbacks` until destruction; with a pointer to no object messages count as handled and go
+  /// nowhere.
   MediaBrowserEndpoint(int id, MessageRouter* messageRouter,
                        const shared_ptr<IMediaBrowserCallbacks>& browserCallbacks);
   ~MediaBrowserEndpoint() override;
 
   /// Any thread: asks for the node at `path`, its page from element `start` on, and pictures if
-  /// `getAlbumArt`. The answer comes by IMediaBrowserCallbacks. Always STATUS_SUCCESS, also if no channel is
-  /// open, which drops the request.
+  /// `getAlbumArt`. The answer comes by IMediaBrowserCallbacks. A `start` above INT_MAX goes out negative.
+  /// Always STATUS_SUCCESS, also if no channel is open, which drops the request.
   int mediaGetNode(const std::string& path, unsigned int start, bool getAlbumArt);
 
   /// Any thread: a key of the instrument cluster, an InstrumentClusterInput_InstrumentClusterAction (1 to 7),

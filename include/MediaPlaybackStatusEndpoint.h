@@ -9,7 +9,8 @@
 class VANTRY_EXPORT MediaPlaybackStatusEndpoint : public ProtocolEndpointBase {
  public:
   /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to
-  /// `playbackCallbacks`; with a pointer to no object messages count as handled and go nowhere.
+  /// `playbackCallbacks` until destruction; with a pointer to no object messages count as handled and go
+  /// nowhere.
   MediaPlaybackStatusEndpoint(int id, MessageRouter* messageRouter,
                               const shared_ptr<IMediaPlaybackStatusCallbacks>& playbackCallbacks);
   ~MediaPlaybackStatusEndpoint() override;

@@ -27,7 +27,7 @@ class VANTRY_EXPORT MediaSinkBase : public ProtocolEndpointBase {
   void setCodecType(int type) { codecType = type; }
 
   /// Before the phone's Setup: how many media messages the phone may have unacknowledged at once (initially
-  /// 1).
+  /// 1). Not checked; it travels as an unsigned number, so that a negative one arrives as a large one.
   void setMaxUnacked(int count) { maxUnacked = count; }
 
   /// Any thread: acknowledges `count` media messages of `session`, the session id that came with the data.
@@ -56,12 +56,15 @@ class VANTRY_EXPORT MediaSinkBase : public ProtocolEndpointBase {
   /// One media message, whose media bytes begin `offset` bytes into `buffer`'s content.
   virtual void handleDataAvailable(unsigned long long timestamp, shared_ptr<IoBuffer> const& buffer,
                                    unsigned int offset) = 0;
+  /// The phone sent Start, and its configuration was not refused.
   virtual void playbackStart(int session) = 0;
+  /// The phone sent Stop; `session` is that of the latest Start, 0 before the first.
   virtual void playbackStop(int session) = 0;
   /// The phone chose a configuration, unchecked. Not 0 refuses the Start.
   virtual int handleMediaConfiguration(int configurationIndex) = 0;
   /// True if handled.
   virtual bool handleVideoFocusRequest(VideoFocusRequestNotification const& request) = 0;
+  /// How many configurations are on offer. Any thread.
   virtual unsigned int getNumberOfConfigurations() = 0;
 
  protected:

@@ -9,7 +9,7 @@
 class VANTRY_EXPORT NavigationStatusEndpoint : public ProtocolEndpointBase {
  public:
   /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to
-  /// `navigationCallbacks`, which must point to an object.
+  /// `navigationCallbacks`, which must point to an object, until destruction.
   NavigationStatusEndpoint(int id, MessageRouter* messageRouter,
                            const shared_ptr<INavigationStatusCallbacks>& navigationCallbacks);
   ~NavigationStatusEndpoint() override;

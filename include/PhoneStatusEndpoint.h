@@ -10,8 +10,8 @@
 /// The phone sends whenever it likes; nothing is kept or compared with what came before.
 class VANTRY_EXPORT PhoneStatusEndpoint : public ProtocolEndpointBase {
  public:
-  /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to `phoneCallbacks`;
-  /// with a pointer to no object messages count as handled and go nowhere.
+  /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to `phoneCallbacks`
+  /// until destruction; with a pointer to no object messages count as handled and go nowhere.
   PhoneStatusEndpoint(int id, MessageRouter* messageRouter,
                       const shared_ptr<IPhoneStatusCallbacks>& phoneCallbacks);
   ~PhoneStatusEndpoint() override;

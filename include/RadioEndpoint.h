@@ -9,7 +9,7 @@
 class VANTRY_EXPORT RadioEndpoint : public ProtocolEndpointBase {
  public:
   /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to `radioCallbacks`,
-  /// which must point to an object.
+  /// which must point to an object, until destruction.
   RadioEndpoint(int id, MessageRouter* messageRouter, const shared_ptr<IRadioCallbacks>& radioCallbacks);
   ~RadioEndpoint() override;
 

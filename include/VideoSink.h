@@ -9,7 +9,8 @@
 /// The service that receives the phone's encoded video and hands it to the host, which decodes and shows it.
 class VANTRY_EXPORT VideoSink : public MediaSinkBase {
  public:
-  /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to `sinkCallbacks`.
+  /// `id`: 1 to 254. `messageRouter`: VantryReceiver::messageRouter(). Keeps a reference to
+  /// `sinkCallbacks`, which must point to an object, until destruction.
   VideoSink(int id, MessageRouter* messageRouter, const shared_ptr<IVideoSinkCallbacks>& sinkCallbacks);
   ~VideoSink() override;
 
@@ -19,7 +20,8 @@ class VANTRY_EXPORT VideoSink : public MediaSinkBase {
 
   /// Before discovery: offers a configuration and returns its index, from 0. `codecResolution` is a
   /// VideoCodecResolutionType (anything else ends the process); `frameRate` is in frames per second, 60 or,
-  /// for any other number, 30; margins are in pixels; `density` is passed on unchanged.
+  /// for any other number, 30; margins are in pixels; `density` is passed on unchanged. Margins and density
+  /// travel as unsigned numbers, so that negative ones arrive as large ones.
   int addSupportedConfiguration(int codecResolution, int frameRate, int widthMargin, int heightMargin,
                                 int density);
 

@@ -51,8 +51,8 @@ class VANTRY_EXPORT ChannelManager {
   /// Any thread: queues one whole message, `length` bytes at `data` with its type in the first two. The bytes
   /// are copied before the call returns; it never waits for the link. `control` asks for FRAME_FLAG_CONTROL
   /// and `encrypted` for FRAME_FLAG_ENCRYPTED on every frame. Returns STATUS_INVALID_CHANNEL, and drops the
-  /// message, if the channel is not registered. A long message stays whole on the wire only if its channel
-  /// has one sender at a time.
+  /// message, if the channel is not registered. A message of several frames stays whole on the wire only if
+  /// no other, long or short, is queued on its channel at the same time.
   int queueOutgoing(int channel, bool control, void* data, unsigned int length, bool encrypted);
   /// The same with `encrypted` true.
   int queueOutgoing(int channel, bool control, void* data, unsigned int length);
@@ -68,7 +68,8 @@ class VANTRY_EXPORT ChannelManager {
   int queueIncoming(const shared_ptr<IoBuffer>& buffer);
 
   /// Writer thread: blocks until a frame is ready and replaces `out`'s storage by its bytes. False when it
-  /// woke without one (call again) or when the manager has stopped.
+  /// woke without one (call again) or, at once and for ever, when the manager has stopped, be it by
+  /// prepareShutdown or by a framing error.
   bool getEncodedFrame(IoBuffer* out);
 
   /// Reader thread, once, when the handshake has succeeded: frames flagged for encryption are encrypted and

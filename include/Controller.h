@@ -22,8 +22,8 @@ class VANTRY_EXPORT Controller : public ProtocolEndpointBase {
   /// Queues the version request, which begins the link. STATUS_SUCCESS.
   int start();
 
-  /// Before `start`: this head unit's credentials as PEM text, see SslWrapper::init. On false the link must
-  /// not be started.
+  /// Once, before `start`: this head unit's credentials as PEM text, see SslWrapper::init. On false the link
+  /// must not be started; VantryReceiver::shutdown is due all the same, and frees what was allocated.
   [[nodiscard]] bool setClientCreds(const std::string& rootCertificate, const std::string& clientCertificate,
                                     const std::string& privateKey);
 

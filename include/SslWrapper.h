@@ -25,14 +25,18 @@ enum SslWrapperState : int {
 /// A TLS 1.2 client without a socket: ciphertext goes in and comes out through memory, so that TLS records
 /// can travel inside frames. The Controller owns the one of a link.
 ///
-///     plaintext  -> encryptionPipelineEnqueue -> [sslBio  TLS  writeBio] -> encryptionPipelineDequeue ->
-///     ciphertext ciphertext -> decryptionPipelineEnqueue -> [readBio TLS  sslBio  ] ->
-///     decryptionPipelineDequeue -> plaintext
+///     encryptionPipeline...   plaintext  -> Enqueue -> [ sslBio  TLS writeBio ] -> Dequeue -> ciphertext
+///     decryptionPipeline...   ciphertext -> Enqueue -> [ readBio TLS sslBio   ] -> Dequeue -> plaintext
 ///
 /// Threads: init before the link starts; the handshake on the reader thread; after it the decrypting pipeline
 /// on the reader thread and the encrypting one on the writer thread, at the same time and without a lock;
 /// shutdown after both have ended. A new handshake needs a new wrapper. What the wrapper holds is freed by
 /// shutdown and by nothing else.
+///
+/// The two pipelines share one SSL, and in good order touch different halves of it. But of a damaged record,
+/// or a request to renegotiate, OpenSSL tells the peer by an alert that it writes from the reader thread,
+/// possibly while the writer enciphers: what the head unit sends from then on may be damaged too. A damaged
+/// record ends the link in any case.
 class VANTRY_EXPORT SslWrapper {
  public:
   SslWrapper() = default;
@@ -42,9 +46,11 @@ class VANTRY_EXPORT SslWrapper {
   /// Before `init` or the handshake: certificates are judged as of `time` instead of the system clock.
   void setCertificateVerificationTime(time_t time);
 
-  /// Takes the trust anchor for the phone's certificate and this head unit's own certificate and key, all as
-  /// PEM text, the key without a passphrase; the strings are not needed afterwards. Returns false, with the
-  /// reason logged, on failure: the link must then not be started, and shutdown frees what was allocated.
+  /// Once: takes the trust anchor for the phone's certificate and this head unit's own certificate and key,
+  /// all as PEM text; the strings are not needed afterwards. The key has no passphrase: for one that has,
+  /// OpenSSL would ask on the process's terminal. Returns false, with the reason logged, on failure: the link
+  /// must then not be started, and shutdown, which is due then as well, frees what was allocated. A second
+  /// call leaks what the first one made.
   [[nodiscard]] bool init(const std::string& rootCertificatePem, const std::string& clientCertificatePem,
                           const std::string& privateKeyPem);
 

@@ -23,7 +23,8 @@ class VANTRY_EXPORT Thread {
   /// The body of the thread, on the new thread.
   virtual void run() = 0;
 
-  /// Starts the thread under the default policy. Returns false if the system could not create it.
+  /// Starts the thread under the default policy. Returns false if the system could not create it. Not while a
+  /// `join` is owed, which would be lost.
   bool start();
 
   /// Blocks until `run` has returned. Returns false at once if no join is owed, false if the join failed.

@@ -55,7 +55,9 @@ class VANTRY_EXPORT Transport {
   /// Writer thread. Writes up to `length` bytes. Results as those of `read`.
   virtual int write(void* data, unsigned int length) = 0;
 
-  /// Starts the reader, then the writer, both in any case. Returns true if either started.
+  /// Once: starts the reader, then the writer, both in any case. Returns true if either started, so that true
+  /// may mean one direction only; what is missing shows as a link that does not come up. After false there is
+  /// no thread to wait for, and waitForExit returns at once.
   bool start();
 
   /// Any thread, any number of times, the callbacks included: ends the link's transfers without waiting.

@@ -29,8 +29,9 @@ class VANTRY_EXPORT VantryReceiver {
   /// reference to `callbacks`, which must point to an object, until destruction. In effect always true (1).
   int init(const shared_ptr<IControllerCallbacks>& callbacks);
 
-  /// Between `init` and `start`: offers a service to the phone. `endpoint` is not owned and must outlive the
-  /// link. Returns false, and changes nothing, if the low 8 bits of its service id are 255 or already taken.
+  /// After `init`, and before the transport's threads start, since the table of services has no lock: offers
+  /// a service to the phone. `endpoint` is not owned and must outlive the link. Returns false, and changes
+  /// nothing, if the low 8 bits of its service id are 255 or already taken.
   bool registerService(ProtocolEndpointBase* endpoint);
 
   /// Begins the link by queueing the version request. STATUS_SUCCESS; without `init` nothing is sent.
@@ -39,15 +40,16 @@ class VANTRY_EXPORT VantryReceiver {
   /// Any thread: stops both directions and wakes a thread blocked in `getEncodedFrame`. May be repeated.
   void prepareShutdown();
 
-  /// Once, after the pumping threads have ended: drops the channels and frees the TLS session. It also runs
-  /// OpenSSL's process-wide clean-up, which unloads OpenSSL's configuration modules. Nothing but destruction
-  /// is allowed afterwards.
+  /// Once, after the pumping threads have ended: drops the channels and frees the TLS session, also what a
+  /// failed Controller::setClientCreds has left. It also runs OpenSSL's process-wide clean-up, which unloads
+  /// OpenSSL's configuration modules. Nothing but destruction is allowed afterwards.
   void shutdown();
 
   /// Reader thread: takes one whole frame, header included, out of memory that stays the caller's: `length`
   /// bytes at `data` are copied. More or fewer bytes than the frame has are a framing error. Returns
   /// STATUS_SUCCESS, STATUS_FRAMING_ERROR or the status of a channel control message. Endpoints and callbacks
-  /// run inside this call.
+  /// run inside this call. A control frame of unknown type on a channel that the phone has not opened ends
+  /// the process by an assertion.
   int queueIncoming(void* data, unsigned int length);
 
   /// Reader thread: the same without a copy. The buffer is shared from now on and decrypted in place; the
@@ -61,8 +63,9 @@ class VANTRY_EXPORT VantryReceiver {
   int getAdditionalBytesToRead(unsigned char* header);
 
   /// Writer thread: blocks until a frame is ready and replaces `out`'s storage by its bytes, which go to the
-  /// phone as they are. Returns false when it woke without a frame (call again unless stopping) and, at once,
-  /// after `prepareShutdown`.
+  /// phone as they are. Returns false when it woke without a frame (call again unless stopping) and, at once
+  /// and for ever, after `prepareShutdown` or a framing error: a loop that only calls again then spins until
+  /// the host stops the link, as unrecoverableError asks it to.
   bool getEncodedFrame(IoBuffer* out);
 
   /// The control service: credentials, identity, ping, focus, bye-bye. Valid as long as the receiver.

@@ -73,14 +73,14 @@ TEST_F(AudioSinkTest, IsDiscoveredWithAllFormatsHoweverManyAreAllowed) {
 TEST_F(AudioSinkTest, EndsTheProcessAtDiscoveryWithAStreamTypeThatDoesNotExist) {
   for (const int type : {0, 5, -1}) {
     sink.setStreamType(static_cast<AudioStreamType>(type));
-    EXPECT_DEATH(advertised(), "AudioStreamType_IsValid") << type;
+    EXPECT_DEATH(advertised(), "::AudioStreamType_IsValid\\(value\\)") << type;
   }
 }
 
 TEST_F(AudioSinkTest, EndsTheProcessAtDiscoveryWithACodecThatDoesNotExist) {
   for (const int type : {0, 5, -1}) {
     sink.setCodecType(type);
-    EXPECT_DEATH(advertised(), "MediaCodecType_IsValid") << type;
+    EXPECT_DEATH(advertised(), "::MediaCodecType_IsValid\\(value\\)") << type;
   }
 }
 

@@ -245,8 +245,10 @@ TEST_F(RadioEndpointTest, RefusesEveryOtherType) {
 using RadioEndpointDeathTest = RadioEndpointTest;
 
 TEST_F(RadioEndpointDeathTest, ATypeOutsideTheEnumerationEndsTheProcessAtDiscovery) {
-  radio.setRadioType(static_cast<RadioType>(3));
-  EXPECT_DEATH(advertised(), "::RadioType_IsValid\\(value\\)");
+  for (const int type : {0, 3, -1}) {
+    radio.setRadioType(static_cast<RadioType>(type));
+    EXPECT_DEATH(advertised(), "::RadioType_IsValid\\(value\\)") << type;
+  }
 }
 
 }  // namespace

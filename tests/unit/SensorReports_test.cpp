@@ -278,23 +278,25 @@ TEST_F(SensorValuesTest, PassEveryGearThatExists) {
 }
 
 TEST_F(SensorValuesTest, EndTheProcessForAGearThatDoesNotExistLiveAndParked) {
-  for (const int gear : {-1, 7, 99, 103}) EXPECT_DEATH(sensors.reportGearData(gear), "Gear_IsValid");
+  for (const int gear : {-1, 7, 99, 103})
+    EXPECT_DEATH(sensors.reportGearData(gear), "::Gear_IsValid\\(value\\)");
   makeLive(SENSOR_GEAR);
-  for (const int gear : {-1, 7, 99, 103}) EXPECT_DEATH(sensors.reportGearData(gear), "Gear_IsValid");
+  for (const int gear : {-1, 7, 99, 103})
+    EXPECT_DEATH(sensors.reportGearData(gear), "::Gear_IsValid\\(value\\)");
 }
 
 TEST_F(SensorValuesTest, EndTheProcessForAHeadLightStateThatDoesNotExistLiveAndParked) {
   const auto report = [this](int state) { sensors.reportLightData(true, state, false, 0, false, false); };
-  for (const int state : {-1, 0, 4}) EXPECT_DEATH(report(state), "HeadLightState_IsValid");
+  for (const int state : {-1, 0, 4}) EXPECT_DEATH(report(state), "::HeadLightState_IsValid\\(value\\)");
   makeLive(SENSOR_LIGHT);
-  for (const int state : {-1, 0, 4}) EXPECT_DEATH(report(state), "HeadLightState_IsValid");
+  for (const int state : {-1, 0, 4}) EXPECT_DEATH(report(state), "::HeadLightState_IsValid\\(value\\)");
 }
 
 TEST_F(SensorValuesTest, EndTheProcessForATurnIndicatorStateThatDoesNotExistLiveAndParked) {
   const auto report = [this](int state) { sensors.reportLightData(false, 0, true, state, false, false); };
-  for (const int state : {-1, 0, 4}) EXPECT_DEATH(report(state), "TurnIndicatorState_IsValid");
+  for (const int state : {-1, 0, 4}) EXPECT_DEATH(report(state), "::TurnIndicatorState_IsValid\\(value\\)");
   makeLive(SENSOR_LIGHT);
-  for (const int state : {-1, 0, 4}) EXPECT_DEATH(report(state), "TurnIndicatorState_IsValid");
+  for (const int state : {-1, 0, 4}) EXPECT_DEATH(report(state), "::TurnIndicatorState_IsValid\\(value\\)");
 }
 
 TEST_F(SensorValuesTest, OfTheClimateGoOutBehindAnEmptyBatch) {

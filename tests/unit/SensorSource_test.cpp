@@ -42,12 +42,12 @@ TEST_F(FewSensorsTest, AreDiscoveredAsAnEmptyServiceIfThereIsNone) {
 
 TEST_F(FewSensorsTest, EndTheProcessAtDiscoveryWithATypeThatDoesNotExist) {
   sensors.registerSensor(22);
-  EXPECT_DEATH(advertised(), "SensorType_IsValid");
+  EXPECT_DEATH(advertised(), "::SensorType_IsValid\\(value\\)");
 }
 
 TEST_F(FewSensorsTest, EndTheProcessAtDiscoveryWithTypeZero) {
   sensors.registerSensor(0);
-  EXPECT_DEATH(advertised(), "SensorType_IsValid");
+  EXPECT_DEATH(advertised(), "::SensorType_IsValid\\(value\\)");
 }
 
 // ---- Requests ----
@@ -167,8 +167,8 @@ TEST_F(SensorSourceTest, AnswersAnyOtherMessageAsUnexpectedWithoutALineOfItsOwn)
 }
 
 TEST_F(FewSensorsTest, EndTheProcessForAStatusThatDoesNotExist) {
-  EXPECT_DEATH(sensors.sendSensorResponse(1), "MessageStatus_IsValid");
-  EXPECT_DEATH(sensors.sendSensorResponse(-252), "MessageStatus_IsValid");
+  EXPECT_DEATH(sensors.sendSensorResponse(1), "::MessageStatus_IsValid\\(value\\)");
+  EXPECT_DEATH(sensors.sendSensorResponse(-252), "::MessageStatus_IsValid\\(value\\)");
 }
 
 // ---- Parked values ----

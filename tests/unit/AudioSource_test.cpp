@@ -58,7 +58,7 @@ TEST_F(AudioSourceTest, StoresAConfigUncheckedAndSendsNothing) {
 TEST_F(AudioSourceTest, EndsTheProcessAtDiscoveryWithACodecThatDoesNotExist) {
   for (const int type : {0, 5, -1}) {
     source.setCodecType(type);
-    EXPECT_DEATH(advertised(), "MediaCodecType_IsValid") << type;
+    EXPECT_DEATH(advertised(), "::MediaCodecType_IsValid\\(value\\)") << type;
   }
 }
 
@@ -120,6 +120,16 @@ TEST_F(AudioSourceTest, AsksTheHostToOpenWithAllThatThePhoneWants) {
   EXPECT_THAT(sent(), ElementsAre(bytes("80 06"         // MESSAGE_MICROPHONE_RESPONSE
                                         "08 00"         // status: success
                                         "10 AC 02")));  // session_id 300
+}
+
+TEST_F(AudioSourceTest, TakesAMicrophoneRequestByItsBytes) {
+  EXPECT_CALL(host, microphoneRequest(true, false, false, 0)).WillOnce(Return(7));
+  sends(
+      bytes("80 05"                                  // MESSAGE_MICROPHONE_REQUEST
+            "08 01"));                               // open
+  EXPECT_THAT(sent(), ElementsAre(bytes("80 06"      // MESSAGE_MICROPHONE_RESPONSE
+                                        "08 00"      // status: success
+                                        "10 07")));  // session_id 7
 }
 
 TEST_F(AudioSourceTest, TellsEchoCancellingFromNoiseCancelling) {

@@ -132,8 +132,10 @@ TEST_F(InputSourceTest, PassesEveryActionThatExists) {
 
 TEST_F(InputSourceTest, EndsTheProcessForAnActionThatDoesNotExist) {
   for (const int action : {-1, 3, 4, 7}) {
-    EXPECT_DEATH(input.reportTouch(0, 0, nullptr, nullptr, nullptr, action, 0), "PointerAction_IsValid");
-    EXPECT_DEATH(input.reportTouchPad(0, 0, nullptr, nullptr, nullptr, action, 0), "PointerAction_IsValid");
+    EXPECT_DEATH(input.reportTouch(0, 0, nullptr, nullptr, nullptr, action, 0),
+                 "::PointerAction_IsValid\\(value\\)");
+    EXPECT_DEATH(input.reportTouchPad(0, 0, nullptr, nullptr, nullptr, action, 0),
+                 "::PointerAction_IsValid\\(value\\)");
   }
 }
 
@@ -296,6 +298,18 @@ TEST_F(InputSourceTest, RefusesABindingThatDoesNotParse) {
 
 TEST_F(InputSourceTest, AnswersAnyOtherMessageAsUnexpectedWithoutALineOfItsOwn) {
   expectUnknownTypes({0, 1, 0x8000, MESSAGE_INPUT_REPORT, MESSAGE_KEY_BINDING_RESPONSE, 0x8004, 0xFFFF});
+}
+
+TEST_F(InputSourceTest, TakesABindingRequestByItsBytes) {
+  sends(
+      bytes("80 02"                                  // MESSAGE_KEY_BINDING_REQUEST
+            "0A 02"                                  // keycodes, packed
+            "03 54"));                               // 3, 84
+  EXPECT_THAT(sent(), ElementsAre(bytes("80 03"      // MESSAGE_KEY_BINDING_RESPONSE
+                                        "08 00")));  // status: success
+  EXPECT_TRUE(input.isBound(3));
+  EXPECT_TRUE(input.isBound(84));
+  EXPECT_FALSE(input.isBound(4));
 }
 
 // ---- Threads ----

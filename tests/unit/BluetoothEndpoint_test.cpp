@@ -114,6 +114,19 @@ TEST_F(BluetoothEndpointTest, CallsTheLatestCallbacks) {
   sends(PAIRING_REQUEST);
 }
 
+TEST_F(BluetoothEndpointTest, DropsTheFormerCallbacks) {
+  struct Watched : MockBluetoothCallbacks {
+    explicit Watched(bool* flag) : gone(flag) {}
+    ~Watched() override { *gone = true; }
+    bool* gone;
+  };
+  bool gone = false;
+  bluetooth.registerCallbacks(shared_ptr<IBluetoothCallbacks>(new Watched(&gone)));
+  EXPECT_FALSE(gone) << "the endpoint alone holds them";
+  bluetooth.registerCallbacks(held);
+  EXPECT_TRUE(gone);
+}
+
 TEST_F(BluetoothEndpointTest, WithoutCallbacksARequestGoesNowhere) {
   bluetooth.registerCallbacks(shared_ptr<IBluetoothCallbacks>());
   sends(PAIRING_REQUEST);
@@ -141,8 +154,13 @@ TEST_F(BluetoothEndpointDeathTest, AStatusOutsideTheEnumerationEndsTheProcess) {
 }
 
 TEST_F(BluetoothEndpointDeathTest, AMethodOutsideTheEnumerationEndsTheProcessAtDiscovery) {
-  bluetooth.registerPairingMethod(static_cast<BluetoothPairingMethod>(5));
-  EXPECT_DEATH(advertised(), "::BluetoothPairingMethod_IsValid\\(value\\)");
+  for (const int method : {0, 5, -1}) {
+    BluetoothEndpoint another(SERVICE, link.router(), held);
+    another.registerPairingMethod(static_cast<BluetoothPairingMethod>(method));
+    ServiceDiscoveryResponse response;
+    EXPECT_DEATH(another.addDiscoveryInfo(&response), "::BluetoothPairingMethod_IsValid\\(value\\)")
+        << method;
+  }
 }
 
 }  // namespace

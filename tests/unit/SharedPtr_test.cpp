@@ -5,6 +5,7 @@
 #include <cstring>
 #include <thread>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace test {
@@ -105,6 +106,47 @@ TEST_F(SharedPtrTest, AssigningAnEmptyOneReleases) {
   pointer = shared_ptr<Guest>();
   EXPECT_EQ(gone, 1);
   EXPECT_EQ(countOf(pointer), nullptr);
+}
+
+TEST_F(SharedPtrTest, MoveConstructionTakesTheReferenceOver) {
+  shared_ptr<Guest> from(new Guest(&gone));
+  Guest* const object = from.get();
+  const shared_ptr<Guest> to(std::move(from));
+  EXPECT_EQ(to.get(), object);
+  EXPECT_EQ(*countOf(to), 1U);
+  EXPECT_EQ(from.get(), nullptr);
+  EXPECT_EQ(countOf(from), nullptr);
+  EXPECT_EQ(gone, 0);
+}
+
+TEST_F(SharedPtrTest, MoveAssignmentReleasesWhatItHeldAndTakesTheReferenceOver) {
+  int otherGone = 0;
+  shared_ptr<Guest> from(new Guest(&otherGone));
+  const shared_ptr<Guest> keeper(from);
+  shared_ptr<Guest> to(new Guest(&gone));
+  to = std::move(from);
+  EXPECT_EQ(gone, 1);
+  EXPECT_EQ(to.get(), keeper.get());
+  EXPECT_EQ(*countOf(keeper), 2U);
+  EXPECT_EQ(from.get(), nullptr);
+  EXPECT_EQ(otherGone, 0);
+}
+
+TEST_F(SharedPtrTest, MovingAnEmptyOneLeavesBothEmpty) {
+  shared_ptr<Guest> from;
+  shared_ptr<Guest> to(new Guest(&gone));
+  to = std::move(from);
+  EXPECT_EQ(gone, 1);
+  EXPECT_EQ(countOf(to), nullptr);
+  EXPECT_EQ(countOf(from), nullptr);
+}
+
+TEST_F(SharedPtrTest, MovingTheLastReferenceToItselfChangesNothing) {
+  shared_ptr<Guest> pointer(new Guest(&gone));
+  shared_ptr<Guest>& same = pointer;
+  pointer = std::move(same);
+  EXPECT_EQ(gone, 0);
+  EXPECT_EQ(*countOf(pointer), 1U);
 }
 
 TEST_F(SharedPtrTest, AssigningTheLastReferenceToItselfDestroysTheObject) {

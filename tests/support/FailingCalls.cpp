@@ -1,6 +1,7 @@
 #include "FailingCalls.h"
 
 #include <openssl/bio.h>
+#include <openssl/conf.h>
 #include <openssl/rand.h>
 #include <openssl/ssl.h>
 #include <openssl/x509.h>
@@ -20,28 +21,46 @@ namespace {
 std::atomic<const char*> watched{nullptr};  // none: nothing fails
 std::atomic<int> failure;
 std::atomic<int> count;
+std::atomic<unsigned long long> latest;
 
-/// Whether this call of `name` is the one to fail.
-bool failsNow(const char* name) {
+/// Whether this call of `name`, which is about `number`, is to fail.
+bool failsNow(const char* name, unsigned long long number = 0) {
   const char* const now = watched;
-  return now != nullptr && strcmp(now, name) == 0 && ++count == failure;
+  if (now == nullptr || strcmp(now, name) != 0) return false;
+  latest = number;
+  return ++count == failure || failure == FailingCall::EVERY;
 }
 
 }  // namespace
 
 FailingCall::FailingCall(const char* name, int which) {
-  static const std::set<std::string> detours = {
-      "pthread_create",        "RAND_status", "SSL_CTX_new",    "SSL_new",
-      "SSL_check_private_key", "BIO_new",     "X509_STORE_new", "sem_post"};
+  static const std::set<std::string> detours = {"pthread_create",
+                                                "pthread_join",
+                                                "RAND_status",
+                                                "SSL_CTX_new",
+                                                "SSL_new",
+                                                "SSL_check_private_key",
+                                                "SSL_do_handshake",
+                                                "SSL_CTX_set_options",
+                                                "BIO_new",
+                                                "BIO_read",
+                                                "BIO_set_ssl_renegotiate_timeout",
+                                                "X509_STORE_new",
+                                                "CONF_modules_unload",
+                                                "sem_post",
+                                                "sem_wait"};
   if (detours.count(name) == 0) throw std::invalid_argument(name);
   failure = which;
   count = 0;
+  latest = 0;
   watched = name;
 }
 
 FailingCall::~FailingCall() { watched = nullptr; }
 
 int FailingCall::calls() const { return count; }
+
+unsigned long long FailingCall::number() const { return latest; }
 
 }  // namespace test
 
@@ -53,6 +72,20 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
                           void* argument) {
   return test::failsNow("pthread_create") ? EAGAIN
                                           : __real_pthread_create(thread, attributes, body, argument);
+}
+
+int __real_pthread_join(pthread_t, void**);
+int __wrap_pthread_join(pthread_t thread, void** result) {
+  return test::failsNow("pthread_join") ? EINVAL : __real_pthread_join(thread, result);
+}
+
+int __real_sem_wait(sem_t*);
+int __wrap_sem_wait(sem_t* semaphore) {
+  int value = 0;
+  sem_getvalue(semaphore, &value);
+  if (!test::failsNow("sem_wait", static_cast<unsigned int>(value))) return __real_sem_wait(semaphore);
+  errno = EINTR;
+  return -1;
 }
 
 int __real_sem_post(sem_t*);
@@ -83,6 +116,38 @@ int __wrap_SSL_check_private_key(const SSL* ssl) {
 BIO* __real_BIO_new(const BIO_METHOD*);
 BIO* __wrap_BIO_new(const BIO_METHOD* type) {
   return test::failsNow("BIO_new") ? nullptr : __real_BIO_new(type);
+}
+
+int __real_BIO_read(BIO*, void*, int);
+int __wrap_BIO_read(BIO* bio, void* data, int length) {
+  if (!test::failsNow("BIO_read")) return __real_BIO_read(bio, data, length);
+  BIO_set_retry_read(bio);
+  return -1;
+}
+
+// BIO_set_ssl_renegotiate_timeout is a macro for one of this call's commands.
+long __real_BIO_ctrl(BIO*, int, long, void*);
+long __wrap_BIO_ctrl(BIO* bio, int command, long number, void* argument) {
+  if (command == BIO_C_SET_SSL_RENEGOTIATE_TIMEOUT &&
+      test::failsNow("BIO_set_ssl_renegotiate_timeout", static_cast<unsigned long>(number))) {
+    return 0;
+  }
+  return __real_BIO_ctrl(bio, command, number, argument);
+}
+
+uint64_t __real_SSL_CTX_set_options(SSL_CTX*, uint64_t);
+uint64_t __wrap_SSL_CTX_set_options(SSL_CTX* context, uint64_t options) {
+  return test::failsNow("SSL_CTX_set_options", options) ? 0 : __real_SSL_CTX_set_options(context, options);
+}
+
+int __real_SSL_do_handshake(SSL*);
+int __wrap_SSL_do_handshake(SSL* ssl) {
+  return test::failsNow("SSL_do_handshake") ? 0 : __real_SSL_do_handshake(ssl);
+}
+
+void __real_CONF_modules_unload(int);
+void __wrap_CONF_modules_unload(int all) {
+  if (!test::failsNow("CONF_modules_unload")) __real_CONF_modules_unload(all);
 }
 
 X509_STORE* __real_X509_STORE_new();

@@ -6,11 +6,12 @@ namespace test {
 /// only: they are linked so that these calls take a detour. One at a time, and not from inside a library of
 /// the platform.
 ///     FailingCall failing("pthread_create", 2);   // the second call from now on, and no other
-/// It counts them as well, and with NEVER does nothing else. Throws std::invalid_argument for a name that
-/// takes no detour.
+/// It counts them as well, and with NEVER does nothing else; with EVERY none succeeds. Throws
+/// std::invalid_argument for a name that takes no detour.
 class FailingCall {
  public:
   static constexpr int NEVER = 0;
+  static constexpr int EVERY = -1;
 
   explicit FailingCall(const char* name, int which = 1);
   ~FailingCall();
@@ -19,6 +20,10 @@ class FailingCall {
 
   /// How often the call has been made so far, the failed one included.
   int calls() const;
+
+  /// The number that the latest call was about: for sem_wait the semaphore's count as it was before, for
+  /// SSL_CTX_set_options the options, for BIO_set_ssl_renegotiate_timeout the seconds.
+  unsigned long long number() const;
 };
 
 }  // namespace test

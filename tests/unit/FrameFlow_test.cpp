@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "EndpointTest.h"
+#include "FailingCalls.h"
 #include "RecordingEndpoint.h"
 
 // The ways of frames through the channel manager, and the framing error that ends them.
@@ -175,6 +176,20 @@ TEST_F(OutgoingFrameTest, LongMessagesInterleaveFragmentByFragment) {
 TEST_F(OutgoingFrameTest, NothingQueuedGivesNothing) {
   EXPECT_FALSE(channels.extractEncodedFrame(&out));
   EXPECT_EQ(out.data, nullptr);
+}
+
+TEST_F(OutgoingFrameTest, TheWriterWaitsUntilTheVersionRequestIsQueued) {
+  {
+    const FailingCall waits("sem_wait", FailingCall::EVERY);
+    EXPECT_FALSE(link.receiver().getEncodedFrame(&out));
+    EXPECT_EQ(waits.calls(), 1);
+    EXPECT_EQ(waits.number(), 0U) << "there is nothing that would let it through";
+    link.receiver().start();
+    EXPECT_FALSE(link.receiver().getEncodedFrame(&out)) << "the wait was interrupted";
+    EXPECT_EQ(waits.number(), 1U);
+  }
+  EXPECT_TRUE(link.receiver().getEncodedFrame(&out));
+  EXPECT_EQ(Bytes(out.content(), out.size()), bytes("00 03 00 06 00 01 00 01 00 00"));
 }
 
 TEST_F(OutgoingFrameTest, AFrameThatIsQueuedIsGivenOut) {

@@ -5,6 +5,7 @@
 #include <thread>
 #include <type_traits>
 
+#include "FailingCalls.h"
 #include "Mutex.h"
 #include "Semaphore.h"
 
@@ -54,6 +55,14 @@ TEST(SemaphoreTest, StartsAtItsValueAndLetsThatManyThrough) {
   EXPECT_TRUE(semaphore.down());
   EXPECT_TRUE(semaphore.down());
   EXPECT_TRUE(semaphore.down());
+}
+
+TEST(SemaphoreTest, WaitsOnTheCountThatItStartedAt) {
+  const FailingCall waits("sem_wait", FailingCall::EVERY);
+  EXPECT_FALSE(Semaphore().down());
+  EXPECT_EQ(waits.number(), 0U) << "who comes first is made to wait";
+  EXPECT_FALSE(Semaphore(3).down());
+  EXPECT_EQ(waits.number(), 3U);
 }
 
 TEST(SemaphoreTest, StartsAtZeroWithoutAValue) {

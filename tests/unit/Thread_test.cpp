@@ -86,6 +86,17 @@ TEST_F(ThreadTest, AFailedStartOwesNoJoin) {
   EXPECT_THAT(log.all(), IsEmpty());
 }
 
+TEST_F(ThreadTest, AFailedJoinIsStillOwed) {
+  Worker worker;
+  worker.letGo.up();
+  worker.start();
+  {
+    const FailingCall failing("pthread_join");
+    EXPECT_FALSE(worker.join());
+  }
+  EXPECT_TRUE(worker.join());
+}
+
 TEST_F(ThreadTest, DestructionBeforeAJoinIsLoggedThoughTheBodyHasEnded) {
   auto worker = std::make_unique<Worker>();
   worker->letGo.up();

@@ -145,6 +145,16 @@ TEST_F(TransferTest, WaitForExitLogsEvenWhereNothingWasStarted) {
   EXPECT_THAT(log.all(), ElementsAre("debug [LHU] Reader thread joined", "debug [LHU] Writer thread joined"));
 }
 
+TEST_F(TransferTest, WithoutEitherThreadStartFailsAndNothingIsWaitedFor) {
+  MemoryTransport memory(&link.receiver());
+  const FailingCall failing("pthread_create", FailingCall::EVERY);
+  EXPECT_FALSE(memory.start());
+  EXPECT_EQ(failing.calls(), 2) << "the writer is tried all the same";
+  memory.waitForExit();
+  EXPECT_EQ(memory.reads(), 0);
+  EXPECT_EQ(memory.writes(), 0);
+}
+
 TEST_F(TransferTest, AReaderThatCannotStartLeavesTheWriter) {
   MemoryTransport memory(&link.receiver());
   {

@@ -1,4 +1,5 @@
 #include "EndpointTest.h"
+#include "FailingCalls.h"
 #include "SecureLink.h"
 
 // From the version request to the AuthResponse.
@@ -171,7 +172,7 @@ TEST_F(HandshakeTest, DiscoveryIsServedBeforeTheHandshakeHasEnded) {
 }
 
 /// What happens where the handshake fails, whatever the reason.
-void expectFailure(SecureLink& link, const std::function<void()>& cause) {
+void expectFailure(PlainLink& link, const std::function<void()>& cause) {
   InSequence order;
   EXPECT_CALL(link.host(), authenticationCompleted(STATUS_AUTHENTICATION_FAILURE)).WillOnce([&link] {
     EXPECT_THAT(link.sentFrames(), IsEmpty());
@@ -191,6 +192,41 @@ TEST_F(HandshakeTest, BytesThatAreNoTlsEndIt) {
   EXPECT_THAT(log.critical(), ElementsAre(MatchesRegex("\\[LHU\\] ssl state=.*, ret: -1, err: 1"),
                                           "[LHU] VTP Version : VTP_1.0_001_160829",
                                           "[LHU] Shutting down connection due to authentication failure."));
+}
+
+TEST_F(HandshakeTest, AResultOfZeroEndsIt) {
+  link.acceptsVersion();
+  const Bytes flight = link.nextFlight();
+  const FailingCall failing("SSL_do_handshake");
+  expectFailure(link, [&] { link.sendsHandshake(flight); });
+}
+
+TEST_F(HandshakeTest, AResultOfZeroAtItsBeginningSendsNothing) {
+  EXPECT_CALL(host, authenticationCompleted).Times(0);
+  const FailingCall failing("SSL_do_handshake");
+  link.acceptsVersion();
+  EXPECT_EQ(failing.calls(), 1);
+  EXPECT_THAT(link.sentFrames(), IsEmpty());
+}
+
+TEST_F(VersionTest, WithoutCredentialsTheHandshakeFails) {
+  link.feeds(frame(0, ATOMIC, bytes("00 02 00 01 00 00 00")));
+  EXPECT_THAT(link.sentFrames(), IsEmpty());
+  expectFailure(link, [&] { link.feeds(frame(0, ATOMIC, bytes("00 03 16 03 03"))); });
+}
+
+TEST_F(HandshakeTest, WhatTheHostSendsWhenItHearsOfSuccessIsEncryptedAlreadyAndTheAuthResponsePlain) {
+  EXPECT_CALL(host, authenticationCompleted(STATUS_SUCCESS)).WillOnce([&] {
+    link.controller().sendPingRequest(300, false);
+  });
+  link.acceptsVersion();
+  link.sendsHandshake(link.nextFlight());
+  link.sendsHandshake(link.nextFlight());
+  const std::vector<Bytes> wire = link.sentFrames();
+  ASSERT_EQ(wire.size(), 2U);
+  EXPECT_EQ(parseFrame(wire[0]).flags, ATOMIC | ENCRYPTED);
+  EXPECT_EQ(link.decrypted(parseFrame(wire[0]).payload), bytes("00 0B 08 AC 02 10 00"));
+  EXPECT_EQ(wire[1], bytes("00 03 00 04 00 04 08 00"));
 }
 
 TEST_F(HandshakeTest, AFlightInTwoMessagesEndsIt) {

@@ -2,6 +2,8 @@
 #include <openssl/err.h>
 
 #include "EndpointTest.h"
+#include "FailingCalls.h"
+#include "MemoryTransport.h"
 #include "SecureLink.h"
 
 // Ciphertext in and out of a wrapper that is connected, and what the pipelines do with what is not as it
@@ -96,6 +98,31 @@ TEST_F(SslPipelineTest, WhatAnEarlierFrameLeftOverIsThrownAway) {
   EXPECT_EQ(dequeues(100), bytes("01 02 03")) << "it starts clean";
 }
 
+TEST_F(SslPipelineTest, WhatAFetchHasTakenInIsNotThereToBeThrownAway) {
+  const Bytes records = link.encrypted(bytes("01 02 03"));
+  enqueues(part(records, 0, 10));
+  dequeues(100);
+  EXPECT_LT(result, 0) << "to a frame this is the end of the link";
+  log.clear();
+  EXPECT_GT(enqueues(part(records, 10)), 0);
+  EXPECT_THAT(log.all(), IsEmpty());
+  EXPECT_EQ(dequeues(100), bytes("01 02 03"));
+}
+
+TEST_F(SslPipelineTest, AReadThatWasRetriedGoesOnUntilOpenSslWantsMore) {
+  const Bytes first = link.encrypted(bytes("01 02 03"));
+  const Bytes second = link.encrypted(bytes("AA"));
+  enqueues(first + second);
+  Bytes plain = filled(4, 0xCC);
+  {
+    const FailingCall failing("BIO_read");  // for a reason other than that more input is wanted
+    EXPECT_LT(wrapper.decryptionPipelineDequeue(plain.data(), 4), 0);
+    EXPECT_EQ(failing.calls(), 4);
+  }
+  EXPECT_EQ(plain, bytes("AA 02 03 CC")) << "each read lands on the same bytes";
+  EXPECT_THAT(log.critical(), ElementsAre(testing::EndsWith("sslError=5"), testing::EndsWith("sslError=2")));
+}
+
 TEST_F(SslPipelineTest, PartOfARecordWantsMore) {
   const Bytes records = link.encrypted(bytes("01 02 03"));
   enqueues(part(records, 0, records.size() - 1));
@@ -128,6 +155,14 @@ TEST_F(SslPipelineTest, AStaleErrorOfTheHostDoesNotShowAsTheReason) {
 /// Frames whose payload is TLS.
 struct FrameEncryptionTest : SslPipelineTest {
   MockControllerCallbacks& host = link.host();
+
+  /// A fatal alert: from now on this connection enciphers nothing.
+  void breaksTls() {
+    Bytes damaged = link.encrypted(bytes("00"));
+    damaged.back() ^= 1;
+    enqueues(damaged);
+    dequeues(1);
+  }
 };
 
 TEST_F(FrameEncryptionTest, AnEncryptedFrameIsDecipheredInItsOwnBuffer) {
@@ -219,6 +254,35 @@ TEST_F(FrameEncryptionTest, AFrameQueuedBeforeTheHandshakeEndedIsEncryptedWhenIt
   EXPECT_EQ(late.sentFrames().at(0), bytes("00 0B 00 02 00 10"));
 }
 
+TEST_F(FrameEncryptionTest, CiphertextThatCannotBeFetchedIsToldToTheHost) {
+  EXPECT_CALL(host, unrecoverableError());
+  const shared_ptr<Frame> empty(new Frame());
+  empty->flags = ATOMIC | ENCRYPTED;  // no payload, so there is no ciphertext either
+  IoBuffer out;
+  link.channels().encodeFrame(empty, &out);
+  EXPECT_EQ(Bytes(out.content(), out.size()), bytes("00 0B 00 00"));
+  EXPECT_THAT(log.critical(), ElementsAre("[LHU] Failed to write data to mSsl!",
+                                          "[LHU] Failed to read from encryption pipeline."));
+  EXPECT_TRUE(link.channels().isRunning());
+}
+
+TEST_F(FrameEncryptionTest, AFrameBehindWhichTheHostStopsTheLinkIsNotWritten) {
+  MemoryTransport transport(&link.receiver());
+  EXPECT_CALL(host, unrecoverableError()).WillOnce([&] { transport.requestStop(); });
+  breaksTls();
+  link.controller().sendPingRequest(1, false);
+  transport.start();
+  transport.waitForExit();
+  EXPECT_EQ(transport.writes(), 0);
+}
+
+TEST_F(FrameEncryptionTest, AFreshStartForgetsTheEncryption) {
+  link.channels().init(link.router());
+  link.channels().registerChannel(0, 0);
+  link.controller().sendByeByeResponse();
+  EXPECT_THAT(link.sentFrames(), ElementsAre(bytes("00 0B 00 02 00 10")));
+}
+
 TEST_F(FrameEncryptionTest, AFailedEncipheringTellsTheHostAndLeavesTheFormerFrame) {
   IoBuffer out;
   link.controller().sendPingRequest(1, false);
@@ -226,10 +290,7 @@ TEST_F(FrameEncryptionTest, AFailedEncipheringTellsTheHostAndLeavesTheFormerFram
   const Bytes former(out.content(), out.size());
 
   EXPECT_CALL(host, unrecoverableError());
-  Bytes damaged = link.encrypted(bytes("00"));
-  damaged.back() ^= 1;
-  enqueues(damaged);
-  dequeues(1);  // a fatal alert: from now on this connection enciphers nothing
+  breaksTls();
   link.controller().sendPingRequest(2, false);
   EXPECT_TRUE(link.channels().extractEncodedFrame(&out)) << "all the same";
   EXPECT_EQ(Bytes(out.content(), out.size()), former);

@@ -62,6 +62,26 @@ TEST_F(ChannelControlTest, OfTheRequestedServiceIdTheLowEightBitsCount) {
   EXPECT_TRUE(service.isChannelOpen());
 }
 
+TEST_F(ChannelControlTest, OfTheRequestedPriorityTheLowEightBitsCountAsSigned) {
+  const auto storedFor = [this](int priority) {
+    EXPECT_EQ(link.opens(7, 3, priority), STATUS_SUCCESS);
+    const shared_ptr<Frame> piece(new Frame());
+    piece->channelId = 7;
+    piece->flags = ATOMIC | ENCRYPTED;
+    shared_ptr<Channel> channel;
+    bool acceptable = false;
+    bool complete = false;
+    link.channels().checkFragment(piece, &channel, &acceptable, &complete);
+    link.closes(7);
+    return channel->priority;
+  };
+  EXPECT_EQ(storedFor(127), 254);
+  EXPECT_EQ(storedFor(383), 254);   // 256 + 127
+  EXPECT_EQ(storedFor(-129), 254);  // -256 + 127
+  EXPECT_EQ(storedFor(128), 255);   // 256 - 128
+  EXPECT_EQ(storedFor(-256), 127);
+}
+
 TEST_F(ChannelControlTest, AnUnknownServiceIsRefusedAndTheRefusalNeverLeaves) {
   EXPECT_EQ(feedsControl(7, "00 07 08 00 10 4D"), STATUS_NO_SUCH_SERVICE);     // 77
   EXPECT_EQ(feedsControl(7, "00 07 08 00 10 FF 01"), STATUS_NO_SUCH_SERVICE);  // 255

@@ -84,6 +84,33 @@ TEST_F(FragmentVerdictTest, APlainFrameOutOfSequenceIsRefusedForBeingPlain) {
   EXPECT_FALSE(acceptable);
 }
 
+TEST_F(FragmentVerdictTest, AFrameThatDoesNotFitLeavesWhatHasArrivedAsItWas) {
+  link.channels().registerChannel(3, 0);
+  check(frameOf(3, ATOMIC | ENCRYPTED));
+  const shared_ptr<Channel> target = channel;
+  const shared_ptr<Frame> first = frameOf(3, FIRST | ENCRYPTED);
+  target->enqueueIncoming(first);
+  for (const int flags : {FIRST | ENCRYPTED, ATOMIC | ENCRYPTED, MIDDLE + 0, LAST + 0}) {
+    check(frameOf(3, flags));
+    EXPECT_FALSE(acceptable) << flags;
+    EXPECT_EQ(target->peekLastIncoming(), first) << flags;
+    EXPECT_EQ(target->incomingLength(), 1U) << flags;
+  }
+  EXPECT_EQ(target->dequeueIncoming(), first);
+  EXPECT_FALSE(target->hasIncoming());
+}
+
+TEST_F(FragmentVerdictTest, HalfAMessageStaysOnAChannelThatTheHeadUnitCloses) {
+  RecordingEndpoint service(1, link.router());
+  link.registers(&service);
+  link.opens(3, 1);
+  link.feeds(firstFrame(3, FIRST | ENCRYPTED, 4, bytes("80 01")));
+  EXPECT_TRUE(link.router()->closeChannel(3));
+  check(frameOf(3, LAST | ENCRYPTED));
+  ASSERT_TRUE(acceptable) << "the rest of it still fits";
+  EXPECT_EQ(channel->incomingLength(), 2U);
+}
+
 struct FragmentTest : EndpointTest {
   RecordingEndpoint service{1, link.router()};
   RecordingEndpoint other{2, link.router()};

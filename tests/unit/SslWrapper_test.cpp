@@ -116,13 +116,32 @@ TEST_F(SslWrapperTest, WithoutACertificateStoreInitFails) {
   expectFailure("[LHU] Failed to allocate x509 store.");
 }
 
-TEST_F(SslWrapperTest, ShutdownWithoutInitIsHarmless) {
+TEST_F(SslWrapperTest, ShutdownWithoutInitStillCleansOpenSslUp) {
+  const FailingCall cleanUps("CONF_modules_unload", FailingCall::NEVER);
   SslWrapper untouched;
   untouched.shutdown();
   EXPECT_THAT(log.all(), IsEmpty());
+  EXPECT_EQ(cleanUps.calls(), 1);
 }
 
 TEST_F(SslWrapperTest, ShutdownOfOneLeavesOthersAndLaterOnesUsable) {
+TEST_F(SslWrapperTest, AsksForTls12WithoutCompression) {
+  const FailingCall options("SSL_CTX_set_options", FailingCall::NEVER);
+  EXPECT_TRUE(init());
+  EXPECT_EQ(options.calls(), 1);
+  // Three of them are 0 where the platform no longer knows how to do otherwise.
+  EXPECT_EQ(options.number(), SSL_OP_NO_SSLv2 | SSL_OP_NO_SSLv3 | SSL_OP_NO_TLSv1 | SSL_OP_SINGLE_DH_USE |
+                                  SSL_OP_SINGLE_ECDH_USE | SSL_OP_NO_COMPRESSION);
+  EXPECT_EQ(options.number() & 0x06020000U, 0x06020000U) << "no SSL 3, no TLS 1.0, no compression";
+}
+
+TEST_F(SslWrapperTest, RenegotiatesAfterAYear) {
+  const FailingCall timeouts("BIO_set_ssl_renegotiate_timeout", FailingCall::NEVER);
+  EXPECT_TRUE(init());
+  EXPECT_EQ(timeouts.calls(), 1);
+  EXPECT_EQ(timeouts.number(), 31536000U);
+}
+
   EXPECT_TRUE(init());
   {
     SslWrapper other;

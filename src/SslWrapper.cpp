@@ -74,7 +74,7 @@ bool SslWrapper::verifyPeer() {
 }
 
 int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length) {
-  forgetOpenSslErrors();
+  // What the host left in OpenSSL's error queue does no harm here: nothing asks for the reason of a failure.
   const int count = BIO_write(sslBio, data, static_cast<int>(length));
   if (count < 1) {
     print_critical_i("[LHU] Failed to write data to mSsl!");
@@ -100,7 +100,9 @@ int SslWrapper::decryptionPipelineEnqueue(void* data, unsigned int length) {
     print_critical_i("[LHU] Failed to write data to the read bio!");
     return count;
   }
-  return decryptionPipelinePending();
+  // What decryptionPipelinePending tells, since `readBio` was empty and now holds just these bytes.
+  const int plain = SSL_pending(ssl);
+  return plain != 0 ? plain : count;
 }
 
 int SslWrapper::decryptionPipelinePending() {

@@ -5,6 +5,8 @@
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
 
+#include <algorithm>
+
 #include "BigEndian.h"
 #include "Log.h"
 #include "OpenSslState.h"
@@ -15,6 +17,9 @@
 namespace {
 
 constexpr unsigned int TYPE_SIZE = 2;
+// Many times what OpenSSL accepts in one flight of a handshake. What a phone announces beyond it is not
+// copied.
+constexpr unsigned int MOST_HANDSHAKE_BYTES = 1U << 20;
 
 bool isPartialResult(int error) { return error == SSL_ERROR_WANT_READ || error == SSL_ERROR_WANT_WRITE; }
 
@@ -28,7 +33,7 @@ void SslWrapper::setCertificateVerificationTime(time_t time) {
 int SslWrapper::handshake(void* data, unsigned int length, IoBuffer* out) {
   if (ssl == nullptr) return -1;  // the host went on without credentials: no phone may bring it down by that
   forgetOpenSslErrors();
-  if (data != nullptr) BIO_write(readBio, data, static_cast<int>(length));
+  if (data != nullptr) BIO_write(readBio, data, static_cast<int>(std::min(length, MOST_HANDSHAKE_BYTES)));
   const int result = SSL_do_handshake(ssl);
   const int error = SSL_get_error(ssl, result);
   print_critical_i("[LHU] ssl state=%s, ret: %d, err: %d", SSL_state_string_long(ssl), result, error);

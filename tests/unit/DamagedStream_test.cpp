@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <fstream>
 #include <set>
 
 #include "EndpointTest.h"
+#include "ProcessMemory.h"
 #include "RecordingEndpoint.h"
 
 // Streams that no conforming phone sends.
@@ -90,13 +90,7 @@ TEST_F(DamagedStreamTest, AControlFrameTooShortForItsTypeIsRefusedAndTheLinkLive
   EXPECT_EQ(feeds(ATOMIC, bytes("80 00")), STATUS_SUCCESS);
 }
 
-long residentKilobytes() {
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.rfind("VmRSS:", 0) == 0) return std::stol(line.substr(6));
-  }
-  return -1;
-}
+long residentKilobytes() { return memoryKilobytes("VmRSS"); }
 
 TEST_F(DamagedStreamTest, FourGigabytesAnnouncedAndOneByteSentCostNextToNothing) {
   [[maybe_unused]] const long before = residentKilobytes();
@@ -136,6 +130,27 @@ TEST_F(DamagedStreamTest, AnAnnouncementAloneAllocatesNothing) {
     EXPECT_EQ(link.feeds(firstFrame(channel, FIRST | ENCRYPTED, 0xFFFFFFFF, bytes("80"))), STATUS_SUCCESS);
   }
   EXPECT_LT(residentKilobytes() - before, 4 * 1024);
+}
+
+TEST_F(DamagedStreamTest, ATwoGigabyteFieldOfWhichNothingWasSentIsRefusedWithoutACopy) {
+  EXPECT_CALL(link.host(), serviceDiscoveryRequest(_, _, _, _)).Times(0);
+  [[maybe_unused]] const long before = memoryKilobytes("VmHWM");
+  link.feeds(firstFrame(0, FIRST, 0x7FFFFFF8, bytes("00 05 0A F0 FF FF FF 07")));
+  const int status = link.feeds(frame(0, LAST, {}));
+
+  if (status == STATUS_FRAMING_ERROR) GTEST_SKIP() << "the system lends no such address space";
+  EXPECT_THAT(log.debug(), ElementsAre(parseFailureIn("Controller")));
+  EXPECT_THAT(link.sent(0), ElementsAre(unexpectedMessage()));
+#ifndef __SANITIZE_ADDRESS__
+  EXPECT_LT(memoryKilobytes("VmHWM") - before, 4 * 1024);
+#endif
+}
+
+TEST_F(DamagedStreamTest, AFieldIsFilledUpWithTheZerosThatWereNotSent) {
+  EXPECT_CALL(link.host(), serviceDiscoveryRequest(std::string("a\0\0\0", 4), _, _, _));
+  EXPECT_EQ(link.sends(0, bytes("00 02 00 01 00 00 00")), STATUS_SUCCESS);
+  link.feeds(firstFrame(0, FIRST, 8, bytes("00 05 0A 04 61")));
+  EXPECT_EQ(link.feeds(frame(0, LAST, {})), STATUS_SUCCESS);
 }
 
 /// A stream of messages of one, two and three frames, in which all body bytes of a message are its own

@@ -9,6 +9,7 @@
 
 #include "FailingCalls.h"
 #include "LogCapture.h"
+#include "ProcessMemory.h"
 #include "SecureLink.h"
 #include "SslLocks.h"
 #include "TestCredentials.h"
@@ -120,11 +121,10 @@ TEST_F(SslWrapperTest, ShutdownWithoutInitStillCleansOpenSslUp) {
   const FailingCall cleanUps("CONF_modules_unload", FailingCall::NEVER);
   SslWrapper untouched;
   untouched.shutdown();
-  EXPECT_THAT(log.all(), IsEmpty());
   EXPECT_EQ(cleanUps.calls(), 1);
+  EXPECT_THAT(log.all(), IsEmpty());
 }
 
-TEST_F(SslWrapperTest, ShutdownOfOneLeavesOthersAndLaterOnesUsable) {
 TEST_F(SslWrapperTest, AsksForTls12WithoutCompression) {
   const FailingCall options("SSL_CTX_set_options", FailingCall::NEVER);
   EXPECT_TRUE(init());
@@ -142,6 +142,7 @@ TEST_F(SslWrapperTest, RenegotiatesAfterAYear) {
   EXPECT_EQ(timeouts.number(), 31536000U);
 }
 
+TEST_F(SslWrapperTest, ShutdownOfOneLeavesOthersAndLaterOnesUsable) {
   EXPECT_TRUE(init());
   {
     SslWrapper other;
@@ -184,6 +185,22 @@ TEST_F(SslWrapperTest, BytesThatAreNoTlsFailTheHandshakeForGood) {
   EXPECT_EQ(wrapper.currentState(), SSL_WRAPPER_FAILED);
   EXPECT_EQ(second.data, nullptr) << "also where an alert waits to be sent";
   EXPECT_THAT(log.all(), ElementsAre(MatchesRegex("critical \\[LHU\\] ssl state=.*, ret: -1, err: 1")));
+}
+
+TEST_F(SslWrapperTest, GigabytesThatWereOnlyAnnouncedFailTheHandshakeWithoutACopy) {
+  ASSERT_TRUE(init());
+  IoBuffer out;
+  wrapper.handshake(nullptr, 0, &out);
+  constexpr unsigned int SIZE = 0x7FFFFFFF;
+  IoBuffer flight;
+  flight.data = static_cast<unsigned char*>(calloc(SIZE, 1));
+  if (flight.data == nullptr) GTEST_SKIP() << "the system lends no such address space";
+  [[maybe_unused]] const long before = memoryKilobytes("VmHWM");
+  wrapper.handshake(flight.data, SIZE, &out);
+  EXPECT_EQ(wrapper.currentState(), SSL_WRAPPER_FAILED);
+#ifndef __SANITIZE_ADDRESS__
+  EXPECT_LT(memoryKilobytes("VmHWM") - before, 8 * 1024);
+#endif
 }
 
 TEST_F(SslWrapperTest, AStaleErrorOfTheHostDoesNotFailTheHandshake) {

@@ -7,7 +7,7 @@ namespace test {
 namespace {
 
 constexpr int FATAL = -1;
-constexpr std::chrono::minutes LONG_ENOUGH(2);  // matters only to a test that fails
+constexpr std::chrono::minutes LONG_ENOUGH(1);  // matters only to a test that fails
 
 }  // namespace
 

@@ -24,7 +24,7 @@ class MemoryTransport : public Transport {
   /// The stream ends: once what was given has been read, reads fail.
   void ends();
   /// Bytes written since the last look; blocks until there are some or the transfers have been aborted. None
-  /// also if nothing comes for minutes, so that a test whose link hangs fails by itself.
+  /// also if nothing comes for a minute, so that a test whose link hangs fails by itself.
   Bytes waitsForBytes();
   /// Bytes written since the last look, which may be none.
   Bytes takesBytes();

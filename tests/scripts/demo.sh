@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # usage: demo.sh SOURCE_DIR BUILD_DIR
 # The demo's picture is, to the frame, the last that the phone drew; no frame is lost on the way. The sound that it
-# leaves behind is, sample by sample, what was sent, in both directions; touches and sensors have come through.
+# leaves behind is, sample by sample, what was sent, in both directions; touches and sensors have come through, and
+# what stands beside the picture.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 demo=$1/scripts/demo programs=$2
 
@@ -24,6 +25,9 @@ shows 89 --frames 90 --sounds media
 same "$tmp/sound.wav" tone 2
 same "$tmp/microphone.wav" "$tmp/voice.wav" 1.5
 (($("$programs/tests/scripts/picture_counter" "$tmp/screen.png" touches) > 0)) || fail "the screen shows no touch"
+for figure in turns distances songs images_decoded accepted; do
+  grep -Eq "\"$figure\": [1-9]" "$tmp/headunit.json" || fail "beside the picture there are no $figure"
+done
 for message in sensor_batch input_report; do tells "\"message\":\"$message\""; done
 for field in speed_e3 latitude_e7 gear night_mode pointer_data; do tells "\"$field\":"; done
 

@@ -135,7 +135,7 @@ TEST_F(DamagedStreamTest, AnAnnouncementAloneAllocatesNothing) {
 TEST_F(DamagedStreamTest, ATwoGigabyteFieldOfWhichNothingWasSentIsRefusedWithoutACopy) {
   EXPECT_CALL(link.host(), serviceDiscoveryRequest(_, _, _, _)).Times(0);
   [[maybe_unused]] const long before = memoryKilobytes("VmHWM");
-  link.feeds(firstFrame(0, FIRST, 0x7FFFFFF8, bytes("00 05 0A F0 FF FF FF 07")));
+  link.feeds(firstFrame(0, FIRST, 0x7FFFFF08, bytes("00 05 0A 80 FE FF FF 07")));
   const int status = link.feeds(frame(0, LAST, {}));
 
   if (status == STATUS_FRAMING_ERROR) GTEST_SKIP() << "the system lends no such address space";

@@ -132,6 +132,26 @@ std::string toJson(const LinkRecord& record) {
   return figures.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+std::string inWords(const ServiceTotals& totals) {
+  const std::uint64_t opened = totals.pairingOpened + totals.radioOpened + totals.navigationOpened +
+                               totals.playbackOpened + totals.phoneOpened + totals.browserOpened +
+                               totals.notificationOpened + totals.echoOpened;
+  if (opened == 0) return "";
+  const std::pair<const char*, std::uint64_t> parts[] = {{"turns", totals.turns},
+                                                         {"songs", totals.songs},
+                                                         {"calls", totals.calls},
+                                                         {"pages of the list", totals.browserPages},
+                                                         {"notifications", totals.notificationsShown},
+                                                         {"requests to the tuner", totals.radioCommands},
+                                                         {"pairings accepted", totals.pairingsAccepted},
+                                                         {"refused", totals.pairingsRefused}};
+  std::string words;
+  for (const auto& [what, count] : parts) {
+    words += (words.empty() ? "" : ", ") + std::string(what) + " " + std::to_string(count);
+  }
+  return words;
+}
+
 bool writeReport(const LinkRecord& record, const std::string& path, std::string* error) {
   errno = 0;
   std::ofstream file(path, std::ios::trunc);

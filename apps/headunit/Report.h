@@ -32,6 +32,9 @@ struct LinkRecord {
 /// its unit at the end of its name.
 std::string toJson(const LinkRecord& record);
 
+/// What came by the services of the cluster, in one line; empty if the phone opened none of them.
+std::string inWords(const ServiceTotals& totals);
+
 /// Returns false, with the reason in `*error`, if the file cannot be written whole.
 bool writeReport(const LinkRecord& record, const std::string& path, std::string* error);
 

@@ -142,6 +142,9 @@ void Server::settle(LinkRecord record) {
   } else {
     spdlog::error("The link has failed after {} frames. {}.", totals.frames, record.end.words());
   }
+  if (const std::string services = inWords(record.services); !services.empty()) {
+    spdlog::info("Its services brought: {}.", services);
+  }
   lastLink_ = std::move(record);
   writeStatistics();
   afterLink_();

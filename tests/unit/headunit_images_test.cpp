@@ -34,6 +34,14 @@ TEST(HeadunitImageDecoder, DecodesWhatThePhoneDraws) {
   EXPECT_EQ(cover->size.width, 48);
 }
 
+TEST(HeadunitImageDecoder, MakesLargePicturesSmallerInProportion) {
+  const Image image = decodeImage(textOf(phone::drawTurn(90, false, 1024, 256)));
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->size.width, 512);
+  EXPECT_EQ(image->size.height, 128);
+  EXPECT_EQ(image->pixels.size(), 512U * 128);
+}
+
 TEST(HeadunitImageDecoder, NoColourExceedsItsAlpha) {
   const Image turn = decodeImage(textOf(phone::drawTurn(40, true, 64, 64)));
   ASSERT_TRUE(turn);
@@ -97,6 +105,14 @@ TEST_F(HeadunitImageLoader, KnowsWhatItHasDecoded) {
   decodeAll();
   EXPECT_EQ(lengthOf(images.known("image 1")), 7U);
   EXPECT_EQ(images.decoded(), 1U);
+}
+
+TEST_F(HeadunitImageLoader, ShowsALargeImageWithoutKeepingIt) {
+  const std::string large = "image" + std::string(1 << 20, 'x');
+  images.load(large, newest.next(), show);
+  decodeAll();
+  EXPECT_EQ(lengthOf(view().media.cover), large.size());
+  EXPECT_FALSE(images.known(large));
 }
 
 TEST_F(HeadunitImageLoader, DecodesNothingThatIsWantedNoMore) {

@@ -1,5 +1,6 @@
 #include "headunit/media/ImageDecoder.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -14,6 +15,7 @@ namespace headunit {
 namespace {
 
 constexpr std::int64_t MOST_PIXELS = 16'000'000;
+constexpr int LONGEST_SIDE = 512;
 
 struct Free {
   void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
@@ -54,18 +56,40 @@ std::uint32_t multiplied(std::uint32_t pixel) {
   return alpha << 24 | part(16) | part(8) | part(0);
 }
 
-Image bitmapOf(const AVFrame& frame) {
-  auto bitmap = std::make_shared<Bitmap>();
-  bitmap->size = {frame.width, frame.height};
-  bitmap->pixels.resize(static_cast<std::size_t>(frame.width) * static_cast<std::size_t>(frame.height));
+Size sizeFor(const AVFrame& frame) {
+  const int longest = std::max(frame.width, frame.height);
+  if (longest <= LONGEST_SIDE) return {frame.width, frame.height};
+  return {std::max(frame.width * LONGEST_SIDE / longest, 1),
+          std::max(frame.height * LONGEST_SIDE / longest, 1)};
+}
+
+// The scaler may write beyond the end of a row, for which only libavutil's own buffers leave room.
+Owned<AVFrame> scaled(const AVFrame& frame, Size size) {
+  Owned<AVFrame> target(av_frame_alloc());
+  if (!target) return nullptr;
+  target->format = AV_PIX_FMT_RGB32;
+  target->width = size.width;
+  target->height = size.height;
   const Owned<SwsContext> scaler(sws_getContext(
-      frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), frame.width, frame.height,
+      frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), size.width, size.height,
       AV_PIX_FMT_RGB32, SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr));
-  if (!scaler) return nullptr;
-  std::uint8_t* const target[] = {reinterpret_cast<std::uint8_t*>(bitmap->pixels.data())};
-  const int stride[] = {frame.width * static_cast<int>(sizeof(std::uint32_t))};
-  sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, target, stride);
-  for (std::uint32_t& pixel : bitmap->pixels) pixel = multiplied(pixel);
+  if (!scaler || av_frame_get_buffer(target.get(), 0) < 0) return nullptr;
+  sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, target->data, target->linesize);
+  return target;
+}
+
+Image bitmapOf(const AVFrame& frame) {
+  const Owned<AVFrame> pixels = scaled(frame, sizeFor(frame));
+  if (!pixels) return nullptr;
+  auto bitmap = std::make_shared<Bitmap>();
+  bitmap->size = {pixels->width, pixels->height};
+  const auto width = static_cast<std::size_t>(pixels->width);
+  bitmap->pixels.resize(width * static_cast<std::size_t>(pixels->height));
+  std::uint32_t* to = bitmap->pixels.data();
+  for (int y = 0; y < pixels->height; ++y, to += width) {
+    std::memcpy(to, pixels->data[0] + y * pixels->linesize[0], width * sizeof *to);
+    std::transform(to, to + width, to, multiplied);
+  }
   return bitmap;
 }
 

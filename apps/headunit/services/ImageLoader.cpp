@@ -7,6 +7,8 @@ namespace {
 
 // As many as are on the screen at one time, and some.
 constexpr std::size_t MOST_KNOWN = 64;
+// What is larger comes once, as a rule, and would not leave room for the others.
+constexpr std::size_t LARGEST_KNOWN_BYTES = 512 << 10;
 // A phone that sends faster than images can be decoded does not fill the memory.
 constexpr std::size_t MOST_WAITING_BYTES = 32 << 20;
 
@@ -35,9 +37,10 @@ struct ImageLoader::Shelf {
 
   void keep(const std::string& bytes, const Image& image) {
     const std::lock_guard lock(mutex);
+    ++decoded;
+    if (bytes.size() > LARGEST_KNOWN_BYTES) return;
     if (known.size() >= MOST_KNOWN) known.clear();
     known[bytes] = image;
-    ++decoded;
   }
 
   void work(const std::string& bytes, const Newest::Ticket& ticket, const Show& show) {

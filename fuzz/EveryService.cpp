@@ -1,19 +1,21 @@
 #include "EveryService.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "AudioSink.h"
 #include "AudioSource.h"
 #include "BigEndian.h"
 #include "BluetoothEndpoint.h"
-#include "InputSource.h"
+#include "FixedCredentials.h"
+#include "FixedRandom.h"
 #include "MediaBrowserEndpoint.h"
 #include "MediaPlaybackStatusEndpoint.h"
 #include "NavigationStatusEndpoint.h"
 #include "NotificationEndpoint.h"
 #include "PhoneStatusEndpoint.h"
 #include "RadioEndpoint.h"
-#include "SensorSource.h"
 #include "VantryVerificationVendorExtension.h"
 #include "VantryVerificationVendorExtensionCallbackRouter.h"
 #include "VideoSink.h"
@@ -189,12 +191,19 @@ EveryService::EveryService() {
     receiver_.registerService(endpoint);
     return endpoint;
   };
-  add(new VideoSink(++id, router, hold<IVideoSinkCallbacks>(new Video())))->setGrantFocusOnSetup(true);
-  add(new AudioSink(++id, router, hold<IAudioSinkCallbacks>(new Audio())))->setStreamType(AUDIO_STREAM_MEDIA);
+  VideoSink* const video = add(new VideoSink(++id, router, hold<IVideoSinkCallbacks>(new Video())));
+  video->setGrantFocusOnSetup(true);
+  video->setCodecType(MEDIA_CODEC_VIDEO);
+  video->addSupportedConfiguration(VIDEO_800x480, 30, 0, 0, 160);
+  AudioSink* const audio = add(new AudioSink(++id, router, hold<IAudioSinkCallbacks>(new Audio())));
+  audio->setStreamType(AUDIO_STREAM_MEDIA);
+  audio->setCodecType(MEDIA_CODEC_1);
+  audio->addSupportedConfiguration(48000, 16, 2);
   add(new AudioSource(++id, router, hold<IAudioSourceCallbacks>(new Microphone())));
-  SensorSource* const sensors = add(new SensorSource(++id, router));
-  for (int type = SensorType_MIN; type <= SensorType_MAX; ++type) sensors->registerSensor(type);
-  add(new InputSource(++id, router))->setSupportedKeycodes({1, 2, 3, 84});
+  sensors_ = add(new SensorSource(++id, router));
+  for (int type = SensorType_MIN; type <= SensorType_MAX; ++type) sensors_->registerSensor(type);
+  input_ = add(new InputSource(++id, router));
+  input_->setSupportedKeycodes({1, 2, 3, 84});
   add(new BluetoothEndpoint(++id, router, hold<IBluetoothCallbacks>(new Bluetooth())));
   add(new RadioEndpoint(++id, router, hold<IRadioCallbacks>(new Radio())));
   add(new NavigationStatusEndpoint(++id, router, hold<INavigationStatusCallbacks>(new Navigation())));
@@ -225,18 +234,58 @@ void EveryService::openAll() {
   }
 }
 
-void EveryService::feed(const unsigned char* frame, std::size_t size) {
-  if (broken_) return;  // a framing error is terminal
-  if (size >= 8 && (frame[1] & FRAME_ATOMIC) == FRAME_FIRST && readBigEndian32(frame + 4) > (1U << 20))
-    return;
-  if (size >= 6 && (frame[1] & FRAME_FLAG_CONTROL) != 0) {
-    const unsigned short type = readBigEndian16(frame + 4);
-    if (type != MESSAGE_CHANNEL_OPEN_REQUEST && type != MESSAGE_CHANNEL_CLOSE_NOTIFICATION) return;
+void EveryService::loadsCredentials() {
+  const FixedCredentials& credentials = fixedCredentials();
+  FixedRandom::restart(FixedRandom::Side::headUnit);
+  FixedRandom::drawsFor(FixedRandom::Side::headUnit);
+  if (!receiver_.controller().setClientCreds(credentials.root, credentials.certificate, credentials.key))
+    abort();
+}
+
+void EveryService::startsUp() {
+  receiver_.start();
+  drain();
+}
+
+bool EveryService::tlsStands() {
+  return receiver_.controller().sslWrapper().currentState() == SSL_WRAPPER_CONNECTED;
+}
+
+bool EveryService::isLeftOut(const unsigned char* frame, std::size_t size) {
+  if (size < 6) return false;
+  const bool deciphered = (frame[1] & FRAME_FLAG_ENCRYPTED) != 0 && tlsStands();
+  if (size >= 8 && (frame[1] & FRAME_ATOMIC) == FRAME_FIRST && readBigEndian32(frame + 4) > (1U << 20)) {
+    return true;
   }
+  if ((frame[1] & FRAME_FLAG_CONTROL) == 0 || deciphered) return false;
+  const unsigned short type = readBigEndian16(frame + 4);
+  return type != MESSAGE_CHANNEL_OPEN_REQUEST && type != MESSAGE_CHANNEL_CLOSE_NOTIFICATION;
+}
+
+void EveryService::feed(const unsigned char* frame, std::size_t size) {
+  if (broken_ || isLeftOut(frame, size)) return;  // a framing error is terminal
   const shared_ptr<IoBuffer> buffer = receiver_.allocateBuffer(static_cast<unsigned int>(size));
   memcpy(buffer->data, frame, size);
   receiver_.queueIncoming(buffer);
   drain();
+}
+
+void EveryService::feedStream(const unsigned char* data, std::size_t size) {
+  constexpr std::size_t HEADER = 4;
+  while (size >= HEADER) {
+    const int additional = ChannelManager::getAdditionalBytesToRead(data);
+    const std::size_t whole = HEADER + static_cast<std::size_t>(additional);
+    if (additional < 1 || whole > size) break;
+    feed(data, whole);
+    data += whole;
+    size -= whole;
+  }
+  if (size > 0) feed(data, size);  // what a host that frames by itself might hand over
+}
+
+std::vector<unsigned char> EveryService::takeOutput() {
+  drain();
+  return std::exchange(output_, {});
 }
 
 void EveryService::feedMessage(unsigned char channel, const unsigned char* message, std::size_t size) {
@@ -255,9 +304,13 @@ void EveryService::drain() {
   unsigned char mark[sizeof MARK];
   memcpy(mark, MARK, sizeof MARK);
   IoBuffer out;
-  receiver_.messageRouter()->queueOutgoing(0, mark, sizeof mark);
+  receiver_.messageRouter()->queueOutgoingUnencrypted(0, mark, sizeof mark);
   while (receiver_.getEncodedFrame(&out)) {
     readAll(out.content(), out.size());
-    if (out.size() == 6 && memcmp(out.content() + 4, MARK, sizeof MARK) == 0) break;
+    output_.insert(output_.end(), out.content(), out.content() + out.size());
+    if (out.size() == 6 && memcmp(out.content() + 4, MARK, sizeof MARK) == 0) {
+      output_.resize(output_.size() - out.size());
+      break;
+    }
   }
 }

@@ -304,7 +304,8 @@ void EveryService::drain() {
   unsigned char mark[sizeof MARK];
   memcpy(mark, MARK, sizeof MARK);
   IoBuffer out;
-  receiver_.messageRouter()->queueOutgoingUnencrypted(0, mark, sizeof mark);
+  const int queued = receiver_.messageRouter()->queueOutgoingUnencrypted(0, mark, sizeof mark);
+  if (queued != STATUS_SUCCESS) return;  // the phone has closed channel 0
   while (receiver_.getEncodedFrame(&out)) {
     readAll(out.content(), out.size());
     output_.insert(output_.end(), out.content(), out.content() + out.size());

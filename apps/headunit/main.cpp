@@ -55,8 +55,9 @@ int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
   screen->run();
   serving.join();
   car->finish();
-  const bool written = server->writeStatistics() & writeSnapshot(options, *screen);
-  return status == 0 && !written ? WRONG_USAGE : status;
+  const bool statistics = server->writeStatistics();
+  const bool snapshot = writeSnapshot(options, *screen);
+  return status == 0 && !(statistics && snapshot) ? WRONG_USAGE : status;
 }
 
 int run(const Options& options) {

@@ -30,14 +30,16 @@ Point towards(float degrees) {
 
 Arrow arrowFor(float angle, bool roundabout, float width, float height) {
   const float size = std::min(width, height);
-  const Point middle{width / 2, height / 2};
+  const bool sharp = std::abs(angle) > 100;  // bends higher up and aside, so that the tip clears the stem
+  const Point bend = sharp ? Point{towards(angle).x * -0.2F, -0.26F} * size : Point{0, 0};
+  const Point middle = Point{width / 2, height / 2} + bend;
   const float stroke = size / 16;
-  const Point tip = middle + towards(angle) * (size * 0.36F);
+  const Point tip = middle + towards(angle) * (size * (sharp ? 0.5F : 0.36F));
   const float inner = roundabout ? size * 0.16F : 0;
   const auto barb = [&](float turn) {
     return Capsule{tip, tip + towards(angle + turn) * (size * 0.17F), stroke};
   };
-  return {{middle + Point{0, size * 0.42F}, middle + Point{0, inner}, stroke},
+  return {{{middle.x, height / 2 + size * 0.42F}, middle + Point{0, inner}, stroke},
           {middle + towards(angle) * inner, tip, stroke},
           barb(140),
           barb(-140),

@@ -3,6 +3,12 @@
 #include <spdlog/spdlog.h>
 
 namespace headunit {
+namespace {
+
+// Far more than any codec's parameter sets take. A length that a phone only announces fills no memory here.
+constexpr unsigned int LARGEST_CONFIGURATION = 64 * 1024;
+
+}  // namespace
 
 void VideoCallbacks::dataAvailable(int sessionId, unsigned long long timestamp,
                                    ::shared_ptr<IoBuffer> const& buffer, void* data, unsigned int length) {
@@ -18,6 +24,9 @@ void VideoCallbacks::dataAvailable(int sessionId, unsigned long long timestamp,
 }
 
 void VideoCallbacks::codecConfig(void* data, unsigned int length) {
+  if (length > LARGEST_CONFIGURATION) {
+    return spdlog::warn("The phone's codec configuration of {} bytes cannot be one; it is left out.", length);
+  }
   const auto* const bytes = static_cast<const std::uint8_t*>(data);
   pipeline_->configure({{bytes, bytes + length}});
 }

@@ -96,8 +96,9 @@ class VANTRY_EXPORT ChannelManager {
   void messageToFrames(int channel, bool control, void* data, unsigned int length,
                        const shared_ptr<Channel>& target, bool encrypted);
   /// Reader thread: joins the fragments held by `source`; an atomic frame's own buffer comes back uncopied.
-  /// Bytes that were announced but not sent are zero. An empty pointer if there is no memory for the
-  /// announced size.
+  /// Bytes that were announced but not sent are zero. Raw messages are delivered so; a record of which more
+  /// than 1 MiB was not sent is refused like one that does not parse. An empty pointer if there is no memory
+  /// for the announced size.
   shared_ptr<IoBuffer> framesToMessage(const shared_ptr<Channel>& source);
   /// Reader thread: whether a frame fits its channel's state, and whether it completes a message.
   int checkFragment(const shared_ptr<Frame>& frame, shared_ptr<Channel>* channel, bool* acceptable,

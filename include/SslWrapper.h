@@ -58,9 +58,10 @@ class VANTRY_EXPORT SslWrapper {
   /// but destruction is allowed afterwards.
   void shutdown();
 
-  /// Feeds the phone's handshake bytes (`data` null to begin) and takes a step. Returns 1 when the handshake
-  /// is done; a negative number with a whole MESSAGE_SSL_HANDSHAKE in `out` when that is to be sent; anything
-  /// else is a failure, as without a successful `init`.
+  /// Feeds the phone's handshake bytes (`data` null to begin) and takes a step. Of more than 1 MiB, many
+  /// times what OpenSSL accepts in one flight, only the first 1 MiB is looked at. Returns 1 when the
+  /// handshake is done; a negative number with a whole MESSAGE_SSL_HANDSHAKE in `out` when that is to be
+  /// sent; anything else is a failure, as without a successful `init`.
   int handshake(void* data, unsigned int length, IoBuffer* out);
 
   /// After the handshake: whether the phone's certificate chain leads to the root. No name is compared.

@@ -3,9 +3,19 @@
 #include "BigEndian.h"
 #include "Log.h"
 #include "MessageRouter.h"
+#include "UnsentBytes.h"
 
 // The table of channels, and the way of a frame in and out. Bytes are in FrameCodec.cpp, messages in
 // Fragmentation.cpp.
+
+namespace {
+
+/// How many bytes of a message whose last fragment is there were announced and not sent.
+unsigned int unsentOf(Channel* source) {
+  return static_cast<unsigned int>(source->incomingTotal() - source->incomingLength());
+}
+
+}  // namespace
 
 bool ChannelManager::init(MessageRouter* messageRouter) {
   router = messageRouter;
@@ -91,11 +101,13 @@ int ChannelManager::deliver(const shared_ptr<Frame>& frame) {
   channel->enqueueIncoming(frame);
   if (!complete) return STATUS_SUCCESS;
 
+  const unsigned int unsent = frame->kind() == FRAME_ATOMIC ? 0 : unsentOf(&*channel);
   const shared_ptr<IoBuffer> message = framesToMessage(channel);
   if (!message) {
     sendFramingError();
     return STATUS_FRAMING_ERROR;
   }
+  const UnsentBytes known(*message, unsent);
   router.load()->routeMessage(channel->id,
                               message);  // what an endpoint thinks of it is no failure of the link
   return STATUS_SUCCESS;

@@ -153,6 +153,34 @@ TEST_F(DamagedStreamTest, AFieldIsFilledUpWithTheZerosThatWereNotSent) {
   EXPECT_EQ(link.feeds(frame(0, LAST, {})), STATUS_SUCCESS);
 }
 
+/// The version is agreed on, and then the phone announces a discovery request of `total` bytes and ends it
+/// after `sent`.
+void asksWithout(PlainLink* link, unsigned int total, const Bytes& sent) {
+  link->sends(0, bytes("00 02 00 01 00 00 00"));
+  link->sent(0);
+  link->feeds(firstFrame(0, FIRST, total, sent));
+  link->feeds(frame(0, LAST, {}));
+}
+
+TEST_F(DamagedStreamTest, ARecordOfWhichAMebibyteWasNotSentIsTaken) {
+  EXPECT_CALL(link.host(), serviceDiscoveryRequest("a" + std::string(1 << 20, '\0'), _, _, _));
+  asksWithout(&link, 0x100007, bytes("00 05 0A 81 80 40 61"));  // a field of 1 MiB and 1 byte
+}
+
+TEST_F(DamagedStreamTest, ARecordOfWhichMoreThanAMebibyteWasNotSentIsRefusedAndTheLinkLives) {
+  EXPECT_CALL(link.host(), serviceDiscoveryRequest(_, _, _, _)).Times(0);
+  asksWithout(&link, 0x100008, bytes("00 05 0A 82 80 40 61"));
+  EXPECT_THAT(log.debug(), ElementsAre(parseFailureIn("Controller")));
+  EXPECT_THAT(link.sent(0), ElementsAre(unexpectedMessage()));
+  EXPECT_EQ(feeds(ATOMIC, bytes("80 00")), STATUS_SUCCESS);
+}
+
+TEST_F(DamagedStreamTest, TheMessageBehindOneThatWasNotSentWholeIsJudgedByItself) {
+  asksWithout(&link, 0x100008, bytes("00 05 0A 82 80 40 61"));
+  EXPECT_CALL(link.host(), serviceDiscoveryRequest(std::string(0x100002, '\0'), _, _, _));
+  link.sends(0, bytes("00 05 0A 82 80 40") + filled(0x100002, 0));
+}
+
 /// A stream of messages of one, two and three frames, in which all body bytes of a message are its own
 /// number.
 std::vector<Bytes> numberedStream() {

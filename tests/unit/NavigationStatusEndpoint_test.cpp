@@ -91,6 +91,12 @@ TEST_F(NavigationStatusEndpointTest, HandsOverAnImageWithZeroBytesWhole) {
   sends(MAIN_STREET + bytes("22 04 00 41 00 00"));
 }
 
+TEST_F(NavigationStatusEndpointTest, HandsOverALargeImageThatEndsInTransparency) {
+  constexpr unsigned int SIZE = 1U << 21;
+  EXPECT_CALL(host, navigationNextTurn("Main", 0, 0, std::string(SIZE, '\0'), -1, -1));
+  sends(MAIN_STREET + bytes("22 80 80 80 01") + filled(SIZE, 0));  // image, 2 MiB
+}
+
 TEST_F(NavigationStatusEndpointTest, DropsValuesOutsideTheEnumerations) {
   EXPECT_CALL(host, navigationNextTurn("Main", 0, 0, "", -1, -1));
   sends(MAIN_STREET + bytes("10 04"     // turn_side 4

@@ -228,5 +228,18 @@ TEST_F(VerificationRouterTest, ForgetsUnknownFieldsInEveryInputEventAtEveryDepth
   }
 }
 
+TEST_F(VerificationRouterTest, ARecordOfWhichAMebibyteWasNotSentIsTakenAndOneThatLacksMoreIsNot) {
+  const Bytes request = bytes("80 08 FA 01");  // screen capture, and a field 31 that is only announced
+  const auto announce = [&](unsigned int total, const Bytes& fieldLength) {
+    link.feeds(firstFrame(CHANNEL, FIRST | ENCRYPTED, total, request + fieldLength));
+    link.feeds(frame(CHANNEL, LAST | ENCRYPTED, {}));
+  };
+  announce(0x100007, bytes("80 80 40"));
+  EXPECT_THAT(harness->calls, ElementsAre(std::pair("screen capture", Bytes())));
+  announce(0x100008, bytes("81 80 40"));
+  EXPECT_EQ(harness->calls.size(), 1U);
+  EXPECT_THAT(sent(), ElementsAre(unexpectedMessage()));
+}
+
 }  // namespace
 }  // namespace test

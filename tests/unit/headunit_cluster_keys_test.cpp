@@ -199,6 +199,14 @@ TEST_F(HeadunitClusterKeys, TheEchoComesBack) {
   EXPECT_EQ(services->totals().echoes, 1U);
 }
 
+TEST_F(HeadunitClusterKeys, TheEchoIsNoLongerThanItMayBe) {
+  const std::string longest(EchoService::LONGEST_ECHO, 'x');
+  link.sends(ECHO_EXTENSION, test::text(longest));
+  EXPECT_THAT(link.sent(ECHO_EXTENSION), ElementsAre(test::text(longest)));
+  link.sends(ECHO_EXTENSION, test::text(longest + "x"));
+  EXPECT_THAT(link.sent(ECHO_EXTENSION), ElementsAre(bytes("00 FF")));
+}
+
 TEST_F(HeadunitClusterKeys, TheEchoHasAName) {
   ServiceDiscoveryResponse response;
   services->endpoints().back()->addDiscoveryInfo(&response);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <VendorExtension.h>
+#include <spdlog/spdlog.h>
 
 #include "headunit/services/Hosted.h"
 
@@ -16,7 +17,15 @@ class EchoService : public IVendorExtensionCallbacks {
   void opened() { context_.tally->count(&ServiceTotals::echoOpened); }
   void closed() {}
 
+  /// A message's length is only what the phone announced: a few bytes on the wire can claim gigabytes, and
+  /// none are made of them here.
+  static constexpr unsigned int LONGEST_ECHO = 1024 * 1024;
+
   int dataAvailable(unsigned char* data, unsigned int length) override {
+    if (length > LONGEST_ECHO) {
+      spdlog::warn("The phone wants {} bytes echoed; {} are the most.", length, LONGEST_ECHO);
+      return STATUS_UNEXPECTED_MESSAGE;
+    }
     context_.tally->count(&ServiceTotals::echoes);
     endpoint_->sendData(data, length);
     return STATUS_SUCCESS;

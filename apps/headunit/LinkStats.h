@@ -16,7 +16,8 @@ struct VideoTotals {
   std::uint64_t bytes = 0;    ///< encoded bytes in them
   std::uint64_t decoded = 0;  ///< pictures
   std::uint64_t damaged = 0;  ///< frames that could not be decoded, or not wholly
-  std::uint64_t refused = 0;  ///< frames beyond what the phone may have unacknowledged, thrown away undecoded
+  std::uint64_t refused =
+      0;  ///< frames too many or too long, or left when the link broke: thrown away undecoded
   std::uint64_t dropped = 0;  ///< pictures that gave way to a newer one before they were shown
   std::uint64_t shown = 0;
   int width = 0;

@@ -2,25 +2,41 @@
 
 #include <spdlog/spdlog.h>
 
+#include <exception>
+
 namespace headunit {
 namespace {
 
 constexpr std::size_t QUEUE_LIMIT = 256;
+constexpr std::size_t MOST_BYTES_WAITING = 64U << 20;
+// A whole picture of the largest size offered takes less, uncompressed. A length is only what the phone
+// announced; decoders take no more than an int can tell.
+constexpr unsigned int LONGEST_FRAME = 8U << 20;
 constexpr std::uint64_t FAULTS_TOLD = 3;  // a damaged stream has one in each frame
 
 }  // namespace
 
 VideoPipeline::VideoPipeline(std::unique_ptr<VideoDecoder> decoder, Ends ends)
-    : ends_(std::move(ends)), decoder_(std::move(decoder)), queue_(QUEUE_LIMIT), thread_([this] { run(); }) {}
+    : ends_(std::move(ends)),
+      decoder_(std::move(decoder)),
+      queue_({QUEUE_LIMIT, MOST_BYTES_WAITING}),
+      thread_([this] { run(); }) {}
 
-void VideoPipeline::configure(CodecConfig config) { queue_.push(std::move(config)); }
+void VideoPipeline::configure(CodecConfig config) {
+  if (!queue_.push(std::move(config))) spdlog::warn("A codec configuration of the phone's finds no room.");
+}
 
 void VideoPipeline::receive(VideoFrame frame) {
   ends_.stats->received(frame);
   const int session = frame.session;
-  if (queue_.push(std::move(frame))) return;
+  if (frame.length <= LONGEST_FRAME && queue_.push(std::move(frame))) return;
   ends_.stats->refused();
   ends_.acknowledge(session, 1);
+}
+
+void VideoPipeline::abandon() {
+  for (std::size_t left = queue_.drop(); left > 0; --left) ends_.stats->refused();
+  finish();
 }
 
 void VideoPipeline::finish() {
@@ -49,8 +65,12 @@ void VideoPipeline::run() {
 void VideoPipeline::decode(VideoFrame frame) {
   frame.times.dequeued = Clock::now();
   const int session = frame.session;
-  const std::string fault =
-      decoder_->decode(std::move(frame), [this](Picture picture) { show(std::move(picture)); });
+  std::string fault;
+  try {
+    fault = decoder_->decode(std::move(frame), [this](Picture picture) { show(std::move(picture)); });
+  } catch (const std::exception& error) {
+    fault = error.what();
+  }
   if (!fault.empty()) remark(fault);
   ends_.acknowledge(session, 1);
 }

@@ -49,6 +49,8 @@ class VideoPipeline {
 
   /// Decodes what has come, and ends the thread. Calls of `acknowledge` end with it.
   void finish();
+  /// Ends the thread as soon as it can: what waits is not decoded.
+  void abandon();
 
   /// Since when frames have come without one picture coming of them; nothing while all is well.
   std::optional<TimePoint> failingSince() const;

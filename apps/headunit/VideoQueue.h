@@ -18,8 +18,12 @@ using VideoItem = std::variant<CodecConfig, VideoFrame>;
 /// From the reader thread, which never waits, to the decoder, which does.
 class VideoQueue {
  public:
-  /// `limit`: how many items may wait. A phone that keeps to its unacknowledged frames stays far below it.
-  explicit VideoQueue(std::size_t limit) : limit_(limit) {}
+  /// How much may wait. A phone that keeps to its unacknowledged frames stays far below it.
+  struct Limits {
+    std::size_t items;
+    std::size_t bytes;
+  };
+  explicit VideoQueue(Limits limits) : limits_(limits) {}
 
   /// Returns false, and drops the item, if the queue is full or closed.
   bool push(VideoItem item);
@@ -30,11 +34,15 @@ class VideoQueue {
   /// No more items come.
   void close();
 
+  /// As close, and those that wait go. Returns how many of them are frames.
+  std::size_t drop();
+
  private:
-  const std::size_t limit_;
+  const Limits limits_;
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<VideoItem> items_;
+  std::size_t bytes_ = 0;  // in items_
   bool closed_ = false;
 };
 

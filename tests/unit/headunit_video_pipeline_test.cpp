@@ -1,7 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <future>
+#include <new>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "headunit/VideoPipeline.h"
@@ -11,7 +15,10 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Makes a picture as wide as the frame's first byte tells; 0 is a damaged frame.
+constexpr unsigned char THROWS = 255;
+
+/// Makes a picture as wide as the frame's first byte tells; 0 is a damaged frame, and THROWS one for which
+/// there is no memory.
 class SimpleDecoder : public VideoDecoder {
  public:
   explicit SimpleDecoder(std::vector<std::string>* seen) : seen_(seen) {}
@@ -21,6 +28,7 @@ class SimpleDecoder : public VideoDecoder {
   std::string decode(VideoFrame frame, const OnPicture& onPicture) override {
     seen_->push_back("frame " + std::to_string(frame.data()[0]));
     if (frame.data()[0] == 0) return "nothing in it";
+    if (frame.data()[0] == THROWS) throw std::bad_alloc();
     Picture picture;
     picture.width = frame.data()[0];
     onPicture(std::move(picture));
@@ -103,6 +111,77 @@ TEST_F(HeadunitVideoPipeline, ShowsNoMoreThanTheBudget) {
   EXPECT_GT(changes, 0);
 }
 
+TEST_F(HeadunitVideoPipeline, RefusesAFrameThatIsTooLongAndAcknowledgesIt) {
+  const auto video = pipeline(&endless);
+  VideoFrame frame = frameOf(1);
+  frame.length = 0x8000'0000;  // as announced; there is no such thing in the buffer
+  video->receive(std::move(frame));
+  video->receive(frameOf(2));
+  video->finish();
+  EXPECT_THAT(seen, ElementsAre("frame 2", "finish"));
+  EXPECT_THAT(acknowledged, ElementsAre(7, 7));
+  EXPECT_EQ(stats->totals().refused, 1U);
+}
+
+TEST_F(HeadunitVideoPipeline, OutlivesADecoderThatThrows) {
+  const auto video = pipeline(&endless);
+  video->receive(frameOf(THROWS));
+  video->receive(frameOf(2));
+  video->finish();
+  EXPECT_THAT(seen, ElementsAre("frame 255", "frame 2", "finish"));
+  EXPECT_THAT(acknowledged, ElementsAre(7, 7));
+  EXPECT_EQ(stats->totals().damaged, 1U);
+}
+
+TEST_F(HeadunitVideoPipeline, DecodesNoMoreOnceAbandoned) {
+  std::promise<void> go;
+  std::promise<void> begun;
+  auto limits = ends(&endless);
+  limits.acknowledge = [&, first = true](int session, unsigned int) mutable {
+    acknowledged.push_back(session);
+    if (!std::exchange(first, false)) return;
+    begun.set_value();
+    go.get_future().wait();
+  };
+  VideoPipeline video(std::make_unique<SimpleDecoder>(&seen), limits);
+  video.receive(frameOf(1));
+  begun.get_future().wait();
+  video.configure({{1}});
+  video.receive(frameOf(2));
+  video.receive(frameOf(3));
+  std::thread ending([&video] { video.abandon(); });
+  while (stats->totals().refused < 2) std::this_thread::yield();  // the decoder is still busy with the first
+  go.set_value();
+  ending.join();
+  EXPECT_THAT(seen, ElementsAre("frame 1", "finish"));
+  EXPECT_THAT(acknowledged, ElementsAre(7));
+}
+
+TEST(HeadunitVideoQueue, HoldsSoManyItemsAndSoManyBytes) {
+  VideoQueue queue({3, 10});
+  const auto config = [](std::size_t bytes) { return CodecConfig{std::vector<std::uint8_t>(bytes)}; };
+  EXPECT_TRUE(queue.push(config(9)));
+  EXPECT_FALSE(queue.push(config(2)));
+  EXPECT_TRUE(queue.push(frameOf(1)));
+  EXPECT_FALSE(queue.push(frameOf(1)));
+  EXPECT_TRUE(queue.push(config(0)));
+  EXPECT_FALSE(queue.push(config(0)));
+  VideoItem item;
+  ASSERT_TRUE(queue.pop(&item));
+  EXPECT_TRUE(queue.push(config(9))) << "what has been taken counts no more";
+}
+
+TEST(HeadunitVideoQueue, TellsHowManyFramesItDrops) {
+  VideoQueue queue({9, 100});
+  queue.push(CodecConfig());
+  queue.push(frameOf(1));
+  queue.push(frameOf(2));
+  EXPECT_EQ(queue.drop(), 2U);
+  VideoItem item;
+  EXPECT_FALSE(queue.pop(&item));
+  EXPECT_FALSE(queue.push(frameOf(3)));
+}
+
 TEST_F(HeadunitVideoPipeline, TakesNothingAfterTheEnd) {
   const auto video = pipeline(&endless);
   video->finish();
@@ -123,6 +202,14 @@ TEST(HeadunitVideoFrame, IsPaddedWithZerosAndKeepsItsBytes) {
   EXPECT_EQ(frame.data()[89], 99);
   for (unsigned int i = 90; i < 154; ++i) EXPECT_EQ(frame.data()[i], 0);
   EXPECT_EQ(frame.buffer->size(), 100U) << "the content stays what it was";
+}
+
+TEST(HeadunitVideoFrame, IsNotPaddedBeyondWhatABufferCanBe) {
+  VideoFrame frame;
+  frame.buffer = ::shared_ptr<IoBuffer>(new IoBuffer(100));
+  frame.length = 0xFFFF'FFF0;  // its end and the padding are more than 32 bits can tell
+  EXPECT_THROW(padWithZeros(&frame, 64), std::bad_alloc);
+  EXPECT_EQ(frame.buffer->capacity, 100U);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@ namespace {
 
 // The source pixel under the middle of a target pixel.
 int scaled(int at, int target, int source) {
+  if (target <= 0 || source <= 0) return 0;
   const long long twice = (2LL * at + 1) * source / target;
   return static_cast<int>(std::clamp(twice / 2, 0LL, static_cast<long long>(source) - 1));
 }
@@ -26,6 +27,7 @@ Rect fitted(Size picture, Size window) {
   } else {
     area.width = static_cast<int>(byHeight / picture.height);
   }
+  if (area.width == 0 || area.height == 0) return {};
   area.x = (window.width - area.width) / 2;
   area.y = (window.height - area.height) / 2;
   return area;

@@ -20,7 +20,7 @@ struct Rect {
 };
 
 /// Where a picture goes in a window: as large as it can be with its proportions kept, in the middle. Empty if
-/// either is empty.
+/// either is empty, or if the picture is too narrow for one whole pixel of the window.
 Rect fitted(Size picture, Size window);
 
 /// The part of a picture that is shown if it has margins, which are cut off by halves on either side.
@@ -56,7 +56,7 @@ class PictureView {
   bool isInside(Point inWindow) const;
 
   /// The picture's own coordinates, margins and scaling undone. Outside of the area it is the nearest place
-  /// that is shown. Only if there is anything shown.
+  /// that is shown; the first pixel if nothing is.
   Point toPicture(Point inWindow) const;
 
  private:

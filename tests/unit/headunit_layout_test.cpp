@@ -31,6 +31,11 @@ TEST(HeadunitLayout, IsEmptyForNothing) {
   expectRect(fitted({800, 480}, {800, 0}), 0, 0, 0, 0);
 }
 
+TEST(HeadunitLayout, IsEmptyForAPictureThatIsTooFlatForThisWindow) {
+  expectRect(fitted({4096, 2}, {896, 720}), 0, 0, 0, 0);
+  expectRect(fitted({2, 4096}, {896, 720}), 0, 0, 0, 0);
+}
+
 void expectPoint(const Point& point, int x, int y) {
   EXPECT_EQ(point.x, x);
   EXPECT_EQ(point.y, y);
@@ -105,6 +110,12 @@ TEST(HeadunitScreenLayout, TouchesBesideTheStripStillComeInThePicturesCoordinate
   expectRect(view.area(), 40, 0, 1200, 720);
   expectPoint(view.toPicture({1239, 719}), 799, 479);
   EXPECT_FALSE(view.isInside({1240, 0}));
+}
+
+TEST(HeadunitPictureView, FindsAPlaceInAPictureThatCannotBeShown) {
+  const PictureView view({4096, 2}, {0, 0}, {896, 720});
+  EXPECT_EQ(view.area().width, 0);
+  expectPoint(view.toPicture({10, 10}), 0, 0);
 }
 
 TEST(HeadunitPictureView, ShowsNothingWithoutAPicture) { EXPECT_FALSE(PictureView().isInside({0, 0})); }

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <future>
+#include <new>
 #include <thread>
 
 #include "ServiceTest.h"
@@ -97,6 +98,31 @@ struct HeadunitVerification : testing::Test {
 };
 
 // ---- Sensors ----
+
+TEST_F(HeadunitVerification, SetsNoMoreSatellitesThanFitInOneMessage) {
+  SensorBatch batch;
+  GpsSatelliteData* const data = batch.add_gps_satellite_data();
+  data->set_number_in_use(0);
+  for (int i = 0; i < 400; ++i) {
+    GpsSatellite* const one = data->add_satellites();
+    one->set_prn(1);
+    one->set_snr_e3(1);
+    one->set_used_in_fix(false);
+  }
+  for (int i = 0; i < 2; ++i) sets(batch);
+  EXPECT_THAT(link.sent(EXTENSION), IsEmpty());
+  sets(batch);
+  EXPECT_THAT(link.sent(EXTENSION), ElementsAre(bytes("00 FF")));
+}
+
+TEST_F(HeadunitVerification, SetsNothingThatIsTooLongForOneMessage) {
+  makeLive(SENSOR_DIAGNOSTICS);
+  SensorBatch batch;
+  batch.add_diagnostics_data()->set_dtc(std::string(16 * 1000, 'x'));
+  sets(batch);
+  EXPECT_THAT(link.sent(SENSORS), IsEmpty());
+  EXPECT_THAT(link.sent(EXTENSION), ElementsAre(bytes("00 FF")));
+}
 
 TEST_F(HeadunitVerification, TellsAnInjectedValueOfASensorThatWasAskedFor) {
   makeLive(SENSOR_SPEED);
@@ -380,10 +406,52 @@ TEST_F(HeadunitVerification, SendsThePictureOfTheScreenFromAnotherThread) {
   EXPECT_NE(camera.takenOn, std::this_thread::get_id());
 }
 
-TEST_F(HeadunitVerification, AnswersEveryRequestForAPicture) {
-  for (int i = 0; i < 3; ++i) requestCapture();
-  waitForSlowWork();
+TEST_F(HeadunitVerification, AnswersEachRequestForAPictureThatWaitsForTheLastOne) {
+  for (int i = 0; i < 3; ++i) {
+    requestCapture();
+    waitForSlowWork();
+  }
   EXPECT_THAT(link.sent(EXTENSION), testing::SizeIs(3));
+}
+
+TEST_F(HeadunitVerification, RefusesARequestForAPictureWhileAnotherIsUnderWay) {
+  std::promise<void> go;
+  slowWork.post([&go] { go.get_future().wait(); });
+  requestCapture();
+  requestCapture();
+  EXPECT_THAT(link.sent(EXTENSION), ElementsAre(bytes("00 FF")));
+  go.set_value();
+  waitForSlowWork();
+  EXPECT_EQ(camera.taken, 1);
+  EXPECT_THAT(link.sent(EXTENSION), testing::SizeIs(1));
+}
+
+TEST_F(HeadunitVerification, TakesPicturesAgainAfterOneThatFailed) {
+  camera.whileTaking = [] { throw std::bad_alloc(); };
+  requestCapture();
+  waitForSlowWork();
+  EXPECT_THAT(link.sent(EXTENSION), IsEmpty());
+  camera.whileTaking = nullptr;
+  requestCapture();
+  waitForSlowWork();
+  EXPECT_THAT(link.sent(EXTENSION), testing::SizeIs(1));
+}
+
+TEST_F(HeadunitVerification, TellsTheSizeOfTheScreenWhileAPictureIsTaken) {
+  std::promise<void> begun;
+  std::promise<void> go;
+  camera.whileTaking = [&] {
+    begun.set_value();
+    go.get_future().wait();
+  };
+  requestCapture();
+  begun.get_future().wait();
+  asks(MESSAGE_VANTRY_VERIFICATION_DISPLAY_INFORMATION_REQUEST,
+       VantryVerificationDisplayInformationRequest());
+  EXPECT_THAT(link.sent(EXTENSION), ElementsAre(bytes("80 0B 08 C0 08 10 E0 03")));
+  go.set_value();
+  waitForSlowWork();
+  EXPECT_THAT(link.sent(EXTENSION), testing::SizeIs(1));
 }
 
 TEST_F(HeadunitVerification, LooksNoMoreOnceTheLinkEnds) {

@@ -1,7 +1,9 @@
 #include "headunit/services/VerificationHarness.h"
 
 #include <MessageRouter.h>
+#include <spdlog/spdlog.h>
 
+#include <atomic>
 #include <mutex>
 
 #include "headunit/services/InputInjection.h"
@@ -10,52 +12,89 @@
 namespace headunit {
 namespace {
 
-void send(VendorExtension* extension, VantryVerificationVendorExtensionMessageId type,
-          const google::protobuf::MessageLite& record) {
-  IoBuffer message;
-  MessageRouter::marshallProto(static_cast<unsigned short>(type), record, &message);
-  extension->sendData(message.content(), message.size());
+// What is reported may be sent beside other messages of the sensors, so it has to fit in one fragment.
+constexpr std::size_t LONGEST_BATCH = 16 * 1000;
+// Satellites that the phone has not asked for gather in the library, to go out as one message in the end.
+// Whether it has asked cannot be told here.
+constexpr int MOST_SATELLITES = 800;
+
+int satellitesIn(const SensorBatch& batch) {
+  int count = 0;
+  for (const GpsSatelliteData& data : batch.gps_satellite_data()) count += data.satellites_size();
+  return count;
 }
 
 }  // namespace
 
-/// The way back to the phone for what takes its time, until it is closed.
+/// The way back to the phone, until it is closed. One lock orders the answers, since the fragments of two
+/// that are sent at once would mix; the other holds off the end while a picture is taken, which takes its
+/// time.
 class VerificationHarness::Answers {
  public:
   explicit Answers(const ScreenCamera* camera) : camera_(camera) {}
 
   void open(VendorExtension* extension) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(sending_);
     extension_ = extension;
   }
-  void close() { open(nullptr); }
+  void close() {
+    const std::lock_guard lock(capturing_);
+    open(nullptr);
+  }
 
-  // Locked all the while, so that neither the extension nor the camera goes in the middle of it.
+  void send(VantryVerificationVendorExtensionMessageId type, const google::protobuf::MessageLite& record) {
+    IoBuffer message;
+    MessageRouter::marshallProto(static_cast<unsigned short>(type), record, &message);
+    const std::lock_guard lock(sending_);
+    if (extension_ != nullptr) extension_->sendData(message.content(), message.size());
+  }
+
+  /// Whether no other capture is under way; if so, sendCapture must follow.
+  bool beginCapture() { return !underWay_.exchange(true); }
+
   void sendCapture() {
-    const std::lock_guard lock(mutex_);
-    if (extension_ == nullptr) return;
+    const std::lock_guard lock(capturing_);
     VantryVerificationScreenCaptureResponse answer;
-    answer.set_screen_capture(camera_->png());
-    send(extension_, MESSAGE_VANTRY_VERIFICATION_SCREEN_CAPTURE_RESPONSE, answer);
+    {
+      const CaptureEnd end{&underWay_};  // before the answer, after which the phone may ask again
+      if (!isOpen()) return;
+      answer.set_screen_capture(camera_->png());
+    }
+    send(MESSAGE_VANTRY_VERIFICATION_SCREEN_CAPTURE_RESPONSE, answer);
   }
 
  private:
+  struct CaptureEnd {
+    std::atomic<bool>* const underWay;
+    ~CaptureEnd() { *underWay = false; }
+  };
+
+  bool isOpen() {
+    const std::lock_guard lock(sending_);
+    return extension_ != nullptr;
+  }
+
   const ScreenCamera* const camera_;
-  std::mutex mutex_;
+  std::atomic<bool> underWay_{false};
+  std::mutex capturing_;  // taken first if both are
+  std::mutex sending_;
   VendorExtension* extension_ = nullptr;
 };
 
 VerificationHarness::VerificationHarness(const Car& car)
     : car_(car), answers_(std::make_shared<Answers>(car.camera)) {}
 
-void VerificationHarness::answerThrough(VendorExtension* extension) {
-  extension_ = extension;
-  answers_->open(extension);
-}
+void VerificationHarness::answerThrough(VendorExtension* extension) { answers_->open(extension); }
 
 void VerificationHarness::release() { answers_->close(); }
 
 int VerificationHarness::onSetSensor(VantryVerificationSetSensor const& message) {
+  const int satellites = satellitesIn(message.sensors());
+  if (message.sensors().ByteSizeLong() > LONGEST_BATCH || satellites > MOST_SATELLITES - satellites_) {
+    spdlog::warn("The phone sets more of the sensors, or more satellites by and by, than can be reported.");
+    return STATUS_UNEXPECTED_MESSAGE;
+  }
+  satellites_ += satellites;
   reportAll(message.sensors(), car_.sensors);
   return STATUS_SUCCESS;
 }
@@ -72,6 +111,10 @@ int VerificationHarness::onInjectInput(VantryVerificationInjectInput const& mess
 }
 
 int VerificationHarness::onScreenCaptureRequest(VantryVerificationScreenCaptureRequest const&) {
+  if (!answers_->beginCapture()) {
+    spdlog::warn("The phone wants another picture of the screen before it has the last one; it gets none.");
+    return STATUS_UNEXPECTED_MESSAGE;
+  }
   car_.slowWork->post([answers = answers_] { answers->sendCapture(); });
   return STATUS_SUCCESS;
 }
@@ -81,7 +124,7 @@ int VerificationHarness::onDisplayInformationRequest(VantryVerificationDisplayIn
   VantryVerificationDisplayInformationResponse answer;
   answer.set_native_width(size.width);
   answer.set_native_height(size.height);
-  send(extension_, MESSAGE_VANTRY_VERIFICATION_DISPLAY_INFORMATION_RESPONSE, answer);
+  answers_->send(MESSAGE_VANTRY_VERIFICATION_DISPLAY_INFORMATION_RESPONSE, answer);
   return STATUS_SUCCESS;
 }
 

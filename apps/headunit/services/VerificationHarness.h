@@ -36,11 +36,13 @@ class VerificationHarness : public IVantryVerificationCallbacks {
   /// again.
   void release();
 
+  /// Refused if it is too long for one report, or if it is one satellite too many for the whole link.
   int onSetSensor(VantryVerificationSetSensor const& message) override;
   /// A focus that is to be denied is the other one's.
   int onVideoFocus(VantryVerificationVideoFocus const& message) override;
   int onInjectInput(VantryVerificationInjectInput const& message) override;
-  /// The answer follows when the picture has been compressed, which is done elsewhere.
+  /// The answer follows when the picture has been compressed, which is done elsewhere. Until then no other
+  /// is taken: a request for one is refused.
   int onScreenCaptureRequest(VantryVerificationScreenCaptureRequest const& message) override;
   int onDisplayInformationRequest(VantryVerificationDisplayInformationRequest const& message) override;
   int onAudioFocus(VantryVerificationAudioFocus const& message) override;
@@ -49,7 +51,7 @@ class VerificationHarness : public IVantryVerificationCallbacks {
   class Answers;
 
   const Car car_;
-  VendorExtension* extension_ = nullptr;
+  int satellites_ = 0;                      // set so far; reader thread
   const std::shared_ptr<Answers> answers_;  // shared with work that may come late
 };
 

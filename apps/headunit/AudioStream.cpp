@@ -8,6 +8,9 @@ namespace {
 constexpr microseconds ENOUGH_AT_FIRST(60'000);
 constexpr microseconds ENOUGH_AT_MOST(240'000);
 constexpr std::size_t LIMIT_FACTOR = 4;  // a phone that keeps to its limit stays far below this many blocks
+// A few bytes can announce hours of sound, so it is not the blocks alone that count.
+constexpr std::size_t MOST_SECONDS_WAITING = 5;
+constexpr std::size_t SECONDS_AFTER_THE_LINK = 1;
 
 std::int16_t sampleAt(const unsigned char* bytes) {
   return static_cast<std::int16_t>(static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8));
@@ -34,7 +37,8 @@ void AudioStream::receive(AudioBlock block) {
     const std::lock_guard lock(mutex_);
     ++totals_.blocks;
     totals_.bytes += block.length;
-    if (blocks_.size() < maxUnacked_ * LIMIT_FACTOR) {
+    if (blocks_.size() < maxUnacked_ * LIMIT_FACTOR &&
+        waiting_ + block.length <= bytesIn(MOST_SECONDS_WAITING)) {
       if (state_ == State::idle) state_ = State::filling;
       block.length -=
           block.length % static_cast<unsigned int>(bytesPerFrame());  // half a frame cannot be played
@@ -61,6 +65,19 @@ void AudioStream::detach() {
   const std::lock_guard lock(mutex_);
   ending_ = true;
   detached_ = true;
+  shortenTo(bytesIn(SECONDS_AFTER_THE_LINK));
+}
+
+// From the end, so that what is being played goes on.
+void AudioStream::shortenTo(std::size_t bytes) {
+  while (waiting_ > bytes) {
+    AudioBlock& last = blocks_.back();
+    const std::size_t unplayed = last.length - (blocks_.size() == 1 ? played_ : 0);
+    const std::size_t cut = std::min(waiting_ - bytes, unplayed);
+    last.length -= static_cast<unsigned int>(cut);
+    waiting_ -= cut;
+    if (cut == unplayed) blocks_.pop_back();
+  }
 }
 
 bool AudioStream::addTo(std::int32_t* mix, std::size_t frames) {
@@ -85,9 +102,11 @@ bool AudioStream::mayBegin() const {
   return ending_ || blocks_.size() >= maxUnacked_ || gathered() >= enough_;
 }
 
-microseconds AudioStream::gathered() const {
+microseconds AudioStream::gathered() const { return microseconds(waiting_ * 1'000'000 / bytesIn(1)); }
+
+std::size_t AudioStream::bytesIn(std::size_t seconds) const {
   const std::size_t rate = format_ == AudioFormat::stereo48k ? MIX_RATE : MIX_RATE / Upsampler::FACTOR;
-  return microseconds(waiting_ / bytesPerFrame() * 1'000'000 / rate);
+  return seconds * rate * bytesPerFrame();
 }
 
 void AudioStream::play(std::int32_t* mix, std::size_t frames, TimePoint now) {

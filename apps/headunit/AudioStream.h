@@ -37,7 +37,7 @@ struct AudioTotals {
   std::uint64_t blocks = 0;
   std::uint64_t bytes = 0;
   std::uint64_t underruns = 0;  ///< how often there was nothing to play in the middle of a stream
-  std::uint64_t refused = 0;    ///< blocks beyond what the phone may have unacknowledged, thrown away
+  std::uint64_t refused = 0;    ///< blocks beyond what may wait, thrown away
   microseconds waitedP50{0};    ///< from receipt to being played
   microseconds waitedP99{0};
 };
@@ -58,8 +58,8 @@ class AudioStream {
   /// No more comes for now: what is there is still played.
   void stop();
 
-  /// The link is over, as by stop, and there is nobody left to acknowledge to: `acknowledge` is not called
-  /// again once this has returned.
+  /// The link is over, as by stop, but no more than a second is played of what is there; and there is nobody
+  /// left to acknowledge to: `acknowledge` is not called again once this has returned.
   void detach();
 
   /// Playing thread: adds `frames` frames to `mix`, less at a gap. Returns whether anything is or will soon
@@ -78,7 +78,9 @@ class AudioStream {
   bool nextFrame(std::int32_t* left, std::int32_t* right, TimePoint now);
   bool nextSource(std::int16_t* samples, TimePoint now);
   void finishBlock();
+  void shortenTo(std::size_t bytes);
   microseconds gathered() const;
+  std::size_t bytesIn(std::size_t seconds) const;
   std::size_t bytesPerFrame() const { return format_ == AudioFormat::stereo48k ? 4 : 2; }
 
   const std::string name_;

@@ -206,6 +206,39 @@ TEST(HeadunitMixer, AddsStreamsAndCutsOffWhatIsTooLoud) {
   EXPECT_FALSE(mixer.isQuiet());
 }
 
+TEST_F(HeadunitAudioStream, RefusesMoreThanSomeSecondsHoweverFewTheBlocks) {
+  AudioBlock endless = steady(1, 10);
+  endless.length = 0xFFFF'FFFC;  // as announced; there is no such thing in the buffer
+  stereo.start();
+  stereo.receive(std::move(endless));
+  EXPECT_THAT(acknowledged, ElementsAre(1));
+  EXPECT_EQ(stereo.totals().refused, 1U);
+  stereo.receive(steady(1, 4 * MIX_RATE));
+  stereo.receive(steady(1, 2 * MIX_RATE));
+  EXPECT_EQ(stereo.totals().refused, 2U) << "five seconds are the most, together";
+  stereo.receive(steady(1, MIX_RATE));
+  EXPECT_EQ(stereo.totals().refused, 2U);
+}
+
+TEST_F(HeadunitAudioStream, PlaysNoMoreThanASecondOnceItsLinkIsOver) {
+  fill(&stereo, 7);
+  play(&stereo, 100);
+  stereo.receive(steady(7, MIX_RATE));
+  stereo.receive(steady(7, MIX_RATE));
+  stereo.detach();
+  EXPECT_THAT(play(&stereo, MIX_RATE), Each(7));
+  EXPECT_THAT(play(&stereo, 10), Each(0));
+}
+
+TEST_F(HeadunitAudioStream, ShortensABlockThatIsBeingPlayed) {
+  stereo.start();
+  stereo.receive(steady(7, 3 * MIX_RATE));
+  play(&stereo, 100);
+  stereo.detach();
+  EXPECT_THAT(play(&stereo, MIX_RATE), Each(7));
+  EXPECT_THAT(play(&stereo, 10), Each(0));
+}
+
 TEST(HeadunitMixer, IsSilentWithoutStreams) {
   Mixer mixer;
   std::vector<std::int16_t> out(4, 99);

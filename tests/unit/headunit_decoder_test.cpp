@@ -95,6 +95,21 @@ TEST_F(HeadunitDecoder, SurvivesDamageOfEveryFrame) {
   EXPECT_LE(pictures.size(), 20U);
 }
 
+TEST_F(HeadunitDecoder, MakesNoPicturesThatAreFarTooLarge) {
+  phone::VideoOptions huge;
+  huge.width = 4096;
+  huge.height = 2320;
+  huge.frames = 1;
+  std::string error;
+  const auto other = phone::makeTestPicture(huge, &error);
+  ASSERT_TRUE(other) << error;
+  decoder.configure({other->codecConfig()});
+  phone::AccessUnit unit;
+  ASSERT_TRUE(other->next(&unit));
+  EXPECT_NE(decode(unit.data), "");
+  EXPECT_TRUE(pictures.empty());
+}
+
 TEST_F(HeadunitDecoder, StartsAnewWithOtherParameters) {
   decoder.configure({source->codecConfig()});
   phone::AccessUnit unit;

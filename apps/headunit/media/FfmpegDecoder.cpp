@@ -19,6 +19,9 @@ namespace {
 
 using Buffer = ::shared_ptr<IoBuffer>;
 
+// Well beyond the largest size offered. Some bytes of a stream can ask for gigabytes of pictures.
+constexpr std::int64_t MOST_PIXELS = 4096 * 2304;
+
 void release(void* buffer, std::uint8_t*) { delete static_cast<Buffer*>(buffer); }
 
 // The packet shares the buffer that the frame came in, for as long as libavcodec needs it.
@@ -68,6 +71,8 @@ void FfmpegDecoder::configure(const CodecConfig& config) {
 void FfmpegDecoder::open() {
   const AVCodec* const codec = avcodec_find_decoder(AV_CODEC_ID_H264);
   context_.reset(avcodec_alloc_context3(codec));
+  if (!context_) return;
+  context_->max_pixels = MOST_PIXELS;
   context_->flags |= AV_CODEC_FLAG_LOW_DELAY;
   context_->thread_type = FF_THREAD_SLICE;  // threads by frame would hold back a picture for each of them
   context_->thread_count = sliceThreads();
@@ -106,18 +111,21 @@ std::string FfmpegDecoder::takePictures(const OnPicture& onPicture) {
   std::string fault;
   for (;;) {
     Owned<AVFrame> frame(av_frame_alloc());
+    if (!frame) return "no memory for its picture";
     const int status = avcodec_receive_frame(context_.get(), frame.get());
     if (status == AVERROR(EAGAIN) || status == AVERROR_EOF) return fault;
     if (status < 0) return wordsFor(status);
     if (frame->decode_error_flags != 0) fault = "parts of a picture are missing";
-    onPicture(pictureOf(std::move(frame)));
+    const FrameTimes times = times_[static_cast<std::size_t>(frame->pts) % REMEMBERED];
+    frame = inPlanes(std::move(frame));
+    if (!frame) return "no memory for its picture";
+    onPicture(pictureOf(std::move(frame), times));
   }
 }
 
-Picture FfmpegDecoder::pictureOf(Owned<AVFrame> frame) {
+Picture FfmpegDecoder::pictureOf(Owned<AVFrame> frame, const FrameTimes& times) {
   Picture picture;
-  picture.times = times_[static_cast<std::size_t>(frame->pts) % REMEMBERED];
-  frame = inPlanes(std::move(frame));
+  picture.times = times;
   picture.times.decoded = Clock::now();
   picture.width = frame->width;
   picture.height = frame->height;
@@ -129,18 +137,20 @@ Picture FfmpegDecoder::pictureOf(Owned<AVFrame> frame) {
   return picture;
 }
 
-// Nearly every stream comes in this format already; the others are converted.
+// Nearly every stream comes in this format already; the others are converted. Null if that cannot be done.
 FfmpegDecoder::Owned<AVFrame> FfmpegDecoder::inPlanes(Owned<AVFrame> frame) {
   if (frame->format == AV_PIX_FMT_YUV420P || frame->format == AV_PIX_FMT_YUVJ420P) return frame;
   Owned<AVFrame> converted(av_frame_alloc());
+  if (!converted) return nullptr;
   converted->format = AV_PIX_FMT_YUV420P;
   converted->width = frame->width;
   converted->height = frame->height;
   converted->colorspace = frame->colorspace;
-  av_frame_get_buffer(converted.get(), 0);
+  if (av_frame_get_buffer(converted.get(), 0) < 0) return nullptr;
   scaler_.reset(sws_getCachedContext(scaler_.release(), frame->width, frame->height,
                                      static_cast<AVPixelFormat>(frame->format), frame->width, frame->height,
                                      AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
+  if (!scaler_) return nullptr;
   sws_scale(scaler_.get(), frame->data, frame->linesize, 0, frame->height, converted->data,
             converted->linesize);
   return converted;

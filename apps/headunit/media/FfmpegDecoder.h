@@ -36,7 +36,7 @@ class FfmpegDecoder : public VideoDecoder {
 
   void open();
   std::string takePictures(const OnPicture& onPicture);
-  Picture pictureOf(Owned<AVFrame> frame);
+  Picture pictureOf(Owned<AVFrame> frame, const FrameTimes& times);
   Owned<AVFrame> inPlanes(Owned<AVFrame> frame);
 
   static constexpr std::size_t REMEMBERED = 64;  // more than any stream reorders

@@ -9,7 +9,7 @@ namespace headunit {
 /// Where decoding of images and writing of files go, which would hold up a reader thread. Any thread.
 class SlowWork {
  public:
-  explicit SlowWork(int threads) : queue_(threads) { queue_.start(); }
+  explicit SlowWork(int threads);
   ~SlowWork() { queue_.shutdown(); }
   SlowWork(const SlowWork&) = delete;
   SlowWork& operator=(const SlowWork&) = delete;

@@ -64,47 +64,70 @@ class SdlOutput : public SoundOutput {
 };
 
 /// Opening and closing a device take their time, so a thread of its own does both: the link must not stand
-/// still meanwhile.
+/// still meanwhile. Whether opening works is known only afterwards. If it did not, the phone hears of it with
+/// its next request, which makes the thread try anew for the one after it.
 class SdlMicrophone : public Microphone {
  public:
+  SdlMicrophone() : listening_([this] { run(); }) {}
   ~SdlMicrophone() override {
-    close();
-    if (listening_.joinable()) listening_.join();
+    change([this] {
+      take_ = nullptr;
+      ending_ = true;
+    });
+    listening_.join();
     SDL_QuitSubSystem(SDL_INIT_AUDIO);
   }
 
   bool open(Take take) override {
-    close();
-    if (listening_.joinable()) listening_.join();
-    take_ = std::move(take);
-    listening_ = std::thread([this] { listen(); });
-    return true;
+    bool listens = false;
+    change([&] {
+      listens = !failed_;
+      triesAnew_ = failed_;
+      if (listens) take_ = std::move(take);
+    });
+    return listens;
   }
 
   void close() override {
-    {
-      const std::lock_guard lock(mutex_);
-      take_ = nullptr;
-    }
-    closed_.notify_all();
+    change([this] { take_ = nullptr; });
   }
 
  private:
-  void listen() {
+  template <class Change>
+  void change(const Change& make) {
+    {
+      const std::lock_guard lock(mutex_);
+      make();
+    }
+    changed_.notify_all();
+  }
+
+  void run() {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+      changed_.wait(lock, [this] { return ending_ || triesAnew_ || take_; });
+      if (ending_) return;
+      triesAnew_ = false;
+      lock.unlock();
+      const SDL_AudioDeviceID device = openDevice();
+      lock.lock();
+      failed_ = device == 0;
+      if (failed_) take_ = nullptr;
+      changed_.wait(lock, [this] { return take_ == nullptr; });
+      lock.unlock();
+      if (device != 0) SDL_CloseAudioDevice(device);
+      lock.lock();
+    }
+  }
+
+  SDL_AudioDeviceID openDevice() {
     SDL_AudioSpec format = formatOf(MICROPHONE_RATE, 1, MICROPHONE_BLOCK);
     format.callback = hear;
     format.userdata = this;
     const SDL_AudioDeviceID device = SDL_OpenAudioDevice(nullptr, 1, &format, nullptr, 0);
-    if (device == 0) {
-      spdlog::warn("The microphone cannot be opened: {}.", SDL_GetError());
-      return;
-    }
-    SDL_PauseAudioDevice(device, 0);
-    {
-      std::unique_lock lock(mutex_);
-      closed_.wait(lock, [this] { return take_ == nullptr; });
-    }
-    SDL_CloseAudioDevice(device);
+    if (device == 0) spdlog::warn("The microphone cannot be opened: {}.", SDL_GetError());
+    if (device != 0) SDL_PauseAudioDevice(device, 0);
+    return device;
   }
 
   // Sound that cannot be sent now is lost: it would only come late.
@@ -116,9 +139,12 @@ class SdlMicrophone : public Microphone {
   }
 
   std::mutex mutex_;
-  std::condition_variable closed_;
-  Take take_;
-  std::thread listening_;
+  std::condition_variable changed_;
+  Take take_;               // null while closed
+  bool failed_ = false;     // the device could not be opened when it was last tried
+  bool triesAnew_ = false;  // though nobody listens
+  bool ending_ = false;
+  std::thread listening_;  // last: it uses all of the above
 };
 
 }  // namespace

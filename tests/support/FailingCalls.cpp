@@ -14,6 +14,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace test {
 namespace {
@@ -22,6 +23,7 @@ std::atomic<const char*> watched{nullptr};  // none: nothing fails
 std::atomic<int> failure;
 std::atomic<int> count;
 std::atomic<unsigned long long> latest;
+std::atomic<const std::function<void()>*> eventAtPost{nullptr};
 
 /// Whether this call of `name`, which is about `number`, is to fail.
 bool failsNow(const char* name, unsigned long long number = 0) {
@@ -62,6 +64,10 @@ int FailingCall::calls() const { return count; }
 
 unsigned long long FailingCall::number() const { return latest; }
 
+EventAtPost::EventAtPost(std::function<void()> event) : happens(std::move(event)) { eventAtPost = &happens; }
+
+EventAtPost::~EventAtPost() { eventAtPost = nullptr; }
+
 }  // namespace test
 
 // What the linker's --wrap option puts in place of the platform's calls.
@@ -90,9 +96,13 @@ int __wrap_sem_wait(sem_t* semaphore) {
 
 int __real_sem_post(sem_t*);
 int __wrap_sem_post(sem_t* semaphore) {
-  if (!test::failsNow("sem_post")) return __real_sem_post(semaphore);
-  errno = EOVERFLOW;
-  return -1;
+  if (test::failsNow("sem_post")) {
+    errno = EOVERFLOW;
+    return -1;
+  }
+  const int result = __real_sem_post(semaphore);
+  if (const std::function<void()>* const event = test::eventAtPost.exchange(nullptr)) (*event)();
+  return result;
 }
 
 int __real_RAND_status();
@@ -142,7 +152,8 @@ uint64_t __wrap_SSL_CTX_set_options(SSL_CTX* context, uint64_t options) {
 
 int __real_SSL_do_handshake(SSL*);
 int __wrap_SSL_do_handshake(SSL* ssl) {
-  return test::failsNow("SSL_do_handshake") ? 0 : __real_SSL_do_handshake(ssl);
+  const int result = __real_SSL_do_handshake(ssl);
+  return test::failsNow("SSL_do_handshake") ? 0 : result;
 }
 
 void __real_CONF_modules_unload(int);

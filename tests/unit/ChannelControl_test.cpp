@@ -1,4 +1,5 @@
 #include "EndpointTest.h"
+#include "FailingCalls.h"
 #include "RecordingEndpoint.h"
 
 // Channels open and close, by the phone and by the head unit.
@@ -257,6 +258,19 @@ TEST_F(HalfClosedChannelTest, AnOpenRequestToAnotherServiceMapsTheChannelButCann
 TEST_F(HalfClosedChannelTest, TheServiceStillSendsOnIt) {
   service.sendRecord(0x8001, ByeByeResponse());
   EXPECT_THAT(link.sent(7), ElementsAre(bytes("80 01")));
+}
+
+TEST_F(ChannelControlTest, AChannelThatThePhoneOpensToAnotherServiceWhileTheHeadUnitClosesItStaysOpen) {
+  link.opens(7, 3);
+  int reopened = -1;
+  const EventAtPost meanwhile([&] {
+    link.closes(7);
+    reopened = link.opens(7, 4);
+  });
+  EXPECT_TRUE(link.router()->closeChannel(7));
+  EXPECT_EQ(reopened, STATUS_SUCCESS);
+  link.sends(7, bytes("80 01"));
+  EXPECT_THAT(other.messages, ElementsAre(bytes("80 01")));
 }
 
 TEST_F(ChannelControlTest, AChannelThatIsNotMappedCannotBeClosedByTheHeadUnit) {

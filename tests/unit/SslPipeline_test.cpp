@@ -269,11 +269,14 @@ TEST_F(FrameEncryptionTest, CiphertextThatCannotBeFetchedIsToldToTheHost) {
 TEST_F(FrameEncryptionTest, AFrameBehindWhichTheHostStopsTheLinkIsNotWritten) {
   MemoryTransport transport(&link.receiver());
   EXPECT_CALL(host, unrecoverableError()).WillOnce([&] { transport.requestStop(); });
-  breaksTls();
-  link.controller().sendPingRequest(1, false);
   transport.start();
+  link.controller().sendPingRequest(1, false);
+  transport.waitsForBytes();  // the writer still holds this frame, since a failure leaves it the former one
+  breaksTls();
+  link.controller().sendPingRequest(2, false);
   transport.waitForExit();
-  EXPECT_EQ(transport.writes(), 0);
+  EXPECT_EQ(transport.writes(), 1);
+  EXPECT_EQ(transport.aborts(), 1) << "a write that was begun would have stopped the link once more";
 }
 
 TEST_F(FrameEncryptionTest, AFreshStartForgetsTheEncryption) {

@@ -148,8 +148,13 @@ void Link::describe() {
 }
 
 LinkView Link::view() const {
-  return {journal_.news(),       transport_.lastReadAt(), transport_.bytesRead() > 0,
-          transport_.brokenBy(), video_->failingSince(),  equipment_.libraryLines->all()};
+  return {journal_.news(),
+          transport_.lastReadAt(),
+          transport_.bytesRead() > 0,
+          transport_.bytesWritten(),
+          transport_.brokenBy(),
+          video_->failingSince(),
+          equipment_.libraryLines->all()};
 }
 
 void Link::ping() {

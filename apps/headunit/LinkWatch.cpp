@@ -34,6 +34,13 @@ bool LinkWatch::hasPassed(TimePoint since, milliseconds limit, TimePoint now) {
   return false;
 }
 
+// There is always something to send, a ping at least: what stands still does so because the phone does not
+// read, and what it is owed would gather without limit.
+bool LinkWatch::takesNothing(const LinkView& view, TimePoint now) {
+  if (!written_ || written_->bytes != view.bytesWritten) written_ = Written{view.bytesWritten, now};
+  return hasPassed(written_->since, limits_.silence, now);
+}
+
 // The same for a moment that begins with the first call.
 bool LinkWatch::isOver(std::optional<TimePoint>* since, milliseconds limit, TimePoint now) {
   if (!*since) *since = now;
@@ -67,6 +74,11 @@ std::optional<LinkEnd> LinkWatch::endOf(const LinkView& view, TimePoint now) {
     return LinkEnd{false, "phone",
                    "nothing has come from it for " + seconds(limits_.silence) + ", not even to a ping",
                    "check that it still runs and that the connection stands"};
+  }
+  if (takesNothing(view, now)) {
+    return LinkEnd{false, "phone",
+                   "it has taken nothing for " + seconds(limits_.silence) + ", although it still sends",
+                   "check that it reads what comes to it"};
   }
   if (view.failingSince && hasPassed(*view.failingSince, limits_.undecodable, now)) {
     return LinkEnd{false, "phone",

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,6 +27,7 @@ struct LinkView {
   LinkNews news;
   TimePoint lastHeard;  ///< when bytes last came; at first, when the link began
   bool anythingHeard = false;
+  std::uint64_t bytesWritten = 0;         ///< so far
   std::string brokenBy;                   ///< why the byte stream ended by itself; empty while it has not
   std::optional<TimePoint> failingSince;  ///< frames come, but no pictures of them
   std::vector<std::string> logLines;      ///< the library's latest
@@ -48,9 +50,15 @@ class LinkWatch {
   bool isLeaving() const { return leftAt_.has_value(); }
 
  private:
+  struct Written {
+    std::uint64_t bytes;
+    TimePoint since;  ///< when it was first seen to be so many
+  };
+
   std::optional<LinkEnd> endOf(const LinkView& view, TimePoint now);
   LinkEnd endOfStopped(const LinkView& view) const;
   LinkEnd handshakeTimeout(const LinkView& view) const;
+  bool takesNothing(const LinkView& view, TimePoint now);
   bool isOver(std::optional<TimePoint>* since, milliseconds limit, TimePoint now);
   bool hasPassed(TimePoint since, milliseconds limit, TimePoint now);
 
@@ -61,6 +69,7 @@ class LinkWatch {
   std::optional<TimePoint> leftAt_;
   std::optional<TimePoint> phoneLeftAt_;
   std::optional<TimePoint> beyondRepairAt_;
+  std::optional<Written> written_;
   TimePoint lookAgain_;
 };
 

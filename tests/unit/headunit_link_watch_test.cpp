@@ -175,5 +175,19 @@ TEST_F(HeadunitLinkWatch, GivesAVideoThatCannotBeDecodedFourSeconds) {
   EXPECT_THAT(endAt(milliseconds(5000)).what, HasSubstr("no picture could be decoded"));
 }
 
+TEST_F(HeadunitLinkWatch, GivesUpAPhoneThatSendsButTakesNothing) {
+  authenticate();
+  view.bytesWritten = 5000;
+  EXPECT_FALSE(at(milliseconds(1000)).end);
+  hearAt(milliseconds(3000));
+  view.bytesWritten = 5001;
+  EXPECT_FALSE(at(milliseconds(3000)).end);
+  hearAt(milliseconds(6000));
+  const LinkWatch::Verdict verdict = at(milliseconds(6999));
+  EXPECT_FALSE(verdict.end);
+  EXPECT_EQ(verdict.lookAgain, start + milliseconds(7000));
+  EXPECT_THAT(endAt(milliseconds(7000)).words(), HasSubstr("it has taken nothing for 4 s"));
+}
+
 }  // namespace
 }  // namespace headunit

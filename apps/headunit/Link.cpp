@@ -30,7 +30,7 @@ Link::Link(const Equipment& equipment, FileDescriptor socket, WakeEvent* wake)
 
 Link::~Link() { stop(); }
 
-bool Link::start(std::string* error) {
+std::optional<LinkEnd> Link::start() {
   receiver_.init(::shared_ptr<IControllerCallbacks>(
       new ControlCallbacks(&receiver_.controller(), &journal_, stats_.get())));
   offerVideo();
@@ -44,13 +44,16 @@ bool Link::start(std::string* error) {
   const Credentials& own = equipment_.credentials;
   if (!receiver_.controller().setClientCreds(own.root, own.certificate, own.key)) {
     const std::vector<std::string> lines = equipment_.libraryLines->all();
-    *error = "the credentials cannot be used: " + (lines.empty() ? "OpenSSL refuses them" : lines.back());
-    return false;
+    return LinkEnd{
+        false, "head unit",
+        "the credentials cannot be used: " + (lines.empty() ? "OpenSSL refuses them" : lines.back()),
+        "check the files that --credentials names"};
   }
   running_ = transport_.start();
+  if (!running_) return LinkEnd{false, "head unit", "no thread can be started", "close other programs"};
   receiver_.start();
   players_.start();
-  return running_;
+  return {};
 }
 
 void Link::offerVideo() {

@@ -7,6 +7,7 @@
 #include <VideoSink.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,8 +35,8 @@ class Link {
   /// Stops the link if need be.
   ~Link();
 
-  /// Returns false, with the reason in `*error`, if the link cannot begin.
-  bool start(std::string* error);
+  /// Returns the link's end, with the reason, if it cannot begin.
+  std::optional<LinkEnd> start();
 
   LinkView view() const;
   const LinkStats& stats() const { return *stats_; }

@@ -6,7 +6,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <utility>
 
 namespace headunit {
 namespace {
@@ -16,6 +19,7 @@ constexpr int LINK_FAILED = 2;
 
 constexpr milliseconds CONNECT_LIMIT(3000);
 constexpr milliseconds BETWEEN_TRIES(200);
+constexpr milliseconds AFTER_A_REFUSAL(1000);
 
 }  // namespace
 
@@ -64,7 +68,14 @@ FileDescriptor Server::acceptPhone() {
       spdlog::info("A phone connects from {}.", peer.words());
       return phone;
     }
-    waitUntil({}, listener_.get());
+    // A peer that cannot be taken, for want of descriptors say, goes on waiting: without a pause this would
+    // spin.
+    if (errno != EAGAIN && errno != EWOULDBLOCK) {
+      spdlog::warn("A phone that connects cannot be taken: {}.", std::strerror(errno));
+      waitUntil(Clock::now() + AFTER_A_REFUSAL);
+    } else {
+      waitUntil({}, listener_.get());
+    }
   }
 }
 
@@ -72,9 +83,14 @@ FileDescriptor Server::acceptPhone() {
 // all.
 FileDescriptor Server::connectToPhone() {
   const TimePoint givesUpAt = Clock::now() + CONNECT_LIMIT;
+  bool waits = everConnected_;  // a phone that hangs up at once is not called without a pause
   for (;;) {
     wake_.clear();
     if (quitting_) return {};
+    if (std::exchange(waits, false)) {
+      waitUntil(Clock::now() + BETWEEN_TRIES);
+      continue;
+    }
     std::string error;
     FileDescriptor phone = connectTo(*options_.connect, CONNECT_LIMIT, wake_, &error);
     if (phone) {
@@ -95,15 +111,10 @@ FileDescriptor Server::connectToPhone() {
 void Server::serve(FileDescriptor socket) {
   equipment_.libraryLines->clear();
   Link link(equipment_, std::move(socket), &wake_);
-  std::string error;
-  LinkEnd end{false, "head unit", {}, "check the files that --credentials names"};
-  if (link.start(&error)) {
-    end = watchOver(&link);
-  } else {
-    end.what = error;
-  }
+  std::optional<LinkEnd> end = link.start();
+  if (!end) end = watchOver(&link);
   link.stop();
-  settle(link.record(std::move(end)));
+  settle(link.record(std::move(*end)));
 }
 
 LinkEnd Server::watchOver(Link* link) {

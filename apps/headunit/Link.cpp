@@ -182,7 +182,14 @@ void Link::stop() {
   if (microphone_) microphone_->close();
   transport_.requestStop();
   if (running_) transport_.waitForExit();
-  video_->finish();
+  if (microphone_) microphone_->close();  // the phone may have asked for it again till then
+  // A phone that has said good-bye has sent all that it wanted to show; in any other case nobody waits for
+  // it.
+  if (journal_.news().phoneSaidBye) {
+    video_->finish();
+  } else {
+    video_->abandon();
+  }
   for (const auto& sound : sounds_) sound->detach();
   receiver_.shutdown();
 }

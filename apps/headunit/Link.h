@@ -44,7 +44,7 @@ class Link {
   void ping();
   void sayBye();
 
-  /// Ends the threads, decodes what has come, and sums up. May be called again.
+  /// Ends the threads, decodes what a phone that has said good-bye left, and sums up. May be called again.
   void stop();
   /// After stop.
   LinkRecord record(LinkEnd end) const;

@@ -63,9 +63,15 @@ TEST_F(HeadunitPairing, KeepsThePasskeyWhileThePhoneAsksAgain) {
   EXPECT_EQ(tally.totals().pairingsDelayed, 2U);
 }
 
-TEST_F(HeadunitPairing, AsksAnewForAnotherPhone) {
+TEST_F(HeadunitPairing, HasAnotherPhoneWaitForTheAnswer) {
   open(&pairing);
   asks();
+  asks(BLUETOOTH_PAIRING_METHOD_3, "02:00:00:5E:77:02");
+  EXPECT_EQ(view().pairing->phoneAddress, PHONE_ADDRESS) << "the question under the user's finger stays";
+  EXPECT_EQ(view().pairing->passkey, "123456");
+  EXPECT_THAT(sent(), ElementsAre(DELAYED, DELAYED));
+  pairing.host().answer(true);
+  EXPECT_FALSE(paired.knows("02:00:00:5E:77:02"));
   asks(BLUETOOTH_PAIRING_METHOD_3, "02:00:00:5E:77:02");
   EXPECT_EQ(view().pairing->phoneAddress, "02:00:00:5E:77:02");
   EXPECT_EQ(view().pairing->method, "Type the passkey on the phone");

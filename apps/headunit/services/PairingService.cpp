@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <random>
 
+#include "headunit/Printable.h"
+
 namespace headunit {
 namespace {
 
@@ -72,14 +74,16 @@ void PairingService::pairingRequest(std::string const& phoneAddress, int pairing
 void PairingService::ask(const std::string& address, int method) {
   bool asksAlready = false;
   context_.cluster->change([&](ClusterView& view) {
-    asksAlready = view.pairing && view.pairing->phoneAddress == address;
+    // The question must not change under the user's finger: another phone waits for the answer.
+    asksAlready = view.pairing.has_value();
     if (!asksAlready) view.pairing = PairingView{address, wordsFor(method), manner_.makePasskey()};
   });
   if (manner_.answersItself) {
     answer(true);
     return;
   }
-  if (!asksAlready) spdlog::info("The phone {} asks to be paired: Enter accepts, Back refuses.", address);
+  if (!asksAlready)
+    spdlog::info("The phone {} asks to be paired: Enter accepts, Back refuses.", printable(address));
   context_.tally->count(&ServiceTotals::pairingsDelayed);
   endpoint_->requestDelayedPairing();
 }
@@ -100,7 +104,7 @@ bool PairingService::answer(bool accepts) {
 void PairingService::accept(const std::string& address, const std::string& passkey) {
   manner_.paired->add(address);
   context_.tally->count(&ServiceTotals::pairingsAccepted);
-  spdlog::info("Paired with {}.", address);
+  spdlog::info("Paired with {}.", printable(address));
   endpoint_->onReadyForPairing(false);
   endpoint_->sendAuthData(passkey);
 }

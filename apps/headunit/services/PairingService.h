@@ -21,7 +21,8 @@ struct PairingManner {
 ///     3  the user types the passkey on the phone      4  the passkey goes another way
 ///
 /// The passkey goes to the phone as authentication data once the pairing has been accepted. While the user is
-/// asked the phone is told to wait, and may ask again as often as it likes.
+/// asked the phone is told to wait, and may ask again as often as it likes. So is a phone of another address:
+/// it is heard when it asks again after the answer.
 class PairingService : public IBluetoothCallbacks {
  public:
   using Interface = IBluetoothCallbacks;

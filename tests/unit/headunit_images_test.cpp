@@ -115,6 +115,19 @@ TEST_F(HeadunitImageLoader, ShowsALargeImageWithoutKeepingIt) {
   EXPECT_FALSE(images.known(large));
 }
 
+TEST_F(HeadunitImageLoader, KeepsAWholePageAndForgetsTheOldestFirst) {
+  const auto load = [this](int number) {
+    images.load("image " + std::to_string(number), newest.next(), show);
+    decodeAll();
+  };
+  for (int i = 0; i < 100; ++i) load(i);
+  for (int i = 0; i < 100; ++i) EXPECT_TRUE(images.known("image " + std::to_string(i))) << i;
+  for (int i = 100; i < 150; ++i) load(i);
+  EXPECT_FALSE(images.known("image 0"));
+  EXPECT_TRUE(images.known("image 149"));
+  EXPECT_TRUE(images.known("image 60")) << "no more goes than must";
+}
+
 TEST_F(HeadunitImageLoader, DecodesNothingThatIsWantedNoMore) {
   images.load("image 1", newest.next(), show);
   newest.next();

@@ -1,12 +1,13 @@
 #include "headunit/services/ImageLoader.h"
 
+#include <deque>
 #include <unordered_map>
 
 namespace headunit {
 namespace {
 
-// As many as are on the screen at one time, and some.
-constexpr std::size_t MOST_KNOWN = 64;
+// More than the longest page has, so that it is not decoded again as often as it comes.
+constexpr std::size_t MOST_KNOWN = 128;
 // What is larger comes once, as a rule, and would not leave room for the others.
 constexpr std::size_t LARGEST_KNOWN_BYTES = 512 << 10;
 // A phone that sends faster than images can be decoded does not fill the memory.
@@ -15,17 +16,25 @@ constexpr std::size_t MOST_WAITING_BYTES = 32 << 20;
 }  // namespace
 
 struct ImageLoader::Shelf {
+  struct Known {
+    std::string bytes;
+    Image image;
+  };
+
   Decode decode;
   Cluster* cluster = nullptr;
   mutable std::mutex mutex;
-  std::unordered_map<std::string, Image> known;
+  std::unordered_map<std::size_t, Known> known;  ///< by their hash, of which one can be had without the lock
+  std::deque<std::size_t> ages;                  ///< the same, the oldest first
   std::size_t waitingBytes = 0;
   std::uint64_t decoded = 0;
 
   Image find(const std::string& bytes) const {
+    if (bytes.size() > LARGEST_KNOWN_BYTES) return nullptr;
+    const std::size_t hash = std::hash<std::string>()(bytes);
     const std::lock_guard lock(mutex);
-    const auto found = known.find(bytes);
-    return found == known.end() ? nullptr : found->second;
+    const auto found = known.find(hash);
+    return found == known.end() || found->second.bytes != bytes ? nullptr : found->second.image;
   }
 
   bool admit(std::size_t bytes) {
@@ -35,12 +44,20 @@ struct ImageLoader::Shelf {
     return true;
   }
 
-  void keep(const std::string& bytes, const Image& image) {
+  void count() {
     const std::lock_guard lock(mutex);
     ++decoded;
+  }
+
+  void keep(const std::string& bytes, const Image& image) {
     if (bytes.size() > LARGEST_KNOWN_BYTES) return;
-    if (known.size() >= MOST_KNOWN) known.clear();
-    known[bytes] = image;
+    const std::size_t hash = std::hash<std::string>()(bytes);
+    const std::lock_guard lock(mutex);
+    if (known.count(hash) == 0) ages.push_back(hash);
+    known[hash] = {bytes, image};
+    if (ages.size() <= MOST_KNOWN) return;
+    known.erase(ages.front());
+    ages.pop_front();
   }
 
   void work(const std::string& bytes, const Newest::Ticket& ticket, const Show& show) {
@@ -53,6 +70,7 @@ struct ImageLoader::Shelf {
     if (!image) {
       image = decode(bytes);
       if (!image) return;
+      count();
       keep(bytes, image);
     }
     // The newer thing draws its ticket before it changes the view: what is asked within the change counts.

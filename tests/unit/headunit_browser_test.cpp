@@ -107,6 +107,21 @@ TEST_F(HeadunitBrowser, ShowsTheSources) {
   EXPECT_EQ(tally.totals().browserPages, 1U);
 }
 
+TEST_F(HeadunitBrowser, LeavesOutWhatHasAPathTooLongToKeep) {
+  open(&browser);
+  root({"Library", std::string(5000, 'x'), "Podcasts"});
+  EXPECT_THAT(names(), ElementsAre("Library", "Podcasts"));
+}
+
+TEST_F(HeadunitBrowser, KeepsNoLongPathOfATop) {
+  open(&browser);
+  MediaRootNode node;
+  node.set_path(std::string(5000, '/'));
+  sends(MESSAGE_MEDIA_ROOT_NODE, node);
+  EXPECT_FALSE(page().loading);
+  EXPECT_EQ(page().path, "");
+}
+
 TEST_F(HeadunitBrowser, PassesOverATopWithASingleSource) {
   open(&browser);
   sent();
@@ -119,6 +134,22 @@ TEST_F(HeadunitBrowser, PassesOverATopWithASingleSource) {
   user.back();
   EXPECT_FALSE(page().open) << "there is nothing above it to go back to";
   EXPECT_THAT(sent(), IsEmpty());
+}
+
+TEST_F(HeadunitBrowser, AsksAgainWhenTheUserComesBackToAPageThatHasNotCome) {
+  open(&browser);
+  user.toggle();
+  root({"Library", "Podcasts"});
+  user.enter();
+  sent();
+  user.toggle();
+  EXPECT_THAT(sent(), IsEmpty());
+  user.toggle();
+  EXPECT_THAT(sent(), ElementsAre(asks("/Library")));
+  source("Library", {"Shores"});
+  user.toggle();
+  user.toggle();
+  EXPECT_THAT(sent(), IsEmpty()) << "it has come";
 }
 
 TEST_F(HeadunitBrowser, DoesNotAskForeverAPhoneThatAnswersWithItsTopAlways) {

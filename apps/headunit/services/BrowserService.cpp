@@ -8,6 +8,8 @@ namespace {
 
 // Of a phone that sends more in one page, the rest comes with the next.
 constexpr std::size_t MOST_ENTRIES = 100;
+// Paths are kept as they are, since they go back to the phone; what has a longer one is left out.
+constexpr std::size_t LONGEST_PATH = 4096;
 
 std::string joined(const std::string& first, const std::string& second) {
   return first + (first.empty() || second.empty() ? "" : " \u00b7 ") + second;
@@ -53,7 +55,12 @@ void BrowserService::closed() {
 
 void BrowserService::toggle() {
   if (!endpoint_->isChannelOpen()) return;
-  context_.cluster->change([](ClusterView& view) { view.browser.open = !view.browser.open; });
+  std::optional<Request> request;
+  context_.cluster->change([&](ClusterView& view) {
+    view.browser.open = !view.browser.open;
+    if (view.browser.open) request = awaited_;
+  });
+  send(request);
 }
 
 std::optional<BrowserService::Request> BrowserService::begin(ClusterView& view, Request request) {
@@ -140,7 +147,8 @@ void BrowserService::back() {
 BrowserService::Page::Page(Level pageLevel, const std::string& pagePath, const std::string& pageTitle,
                            int first, int all) {
   level = pageLevel;
-  view.path = pagePath;
+  // Only a root can be shown that is not found by its path, and the empty path stands for it as well.
+  if (pageLevel != Level::root || pagePath.size() <= LONGEST_PATH) view.path = pagePath;
   view.title = forScreen(pageTitle);
   view.start = static_cast<unsigned int>(std::max(first, 0));
   view.total = static_cast<unsigned int>(std::max(all, 0));
@@ -148,7 +156,7 @@ BrowserService::Page::Page(Level pageLevel, const std::string& pagePath, const s
 
 void BrowserService::Page::add(const std::string& path, const std::string& name, const std::string& detail,
                                const std::string& picture) {
-  if (view.entries.size() >= MOST_ENTRIES) return;
+  if (view.entries.size() >= MOST_ENTRIES || path.size() > LONGEST_PATH) return;
   view.entries.push_back({path, forScreen(name), forScreen(detail), nullptr});
   pictures.push_back(picture);
 }

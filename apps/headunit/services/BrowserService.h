@@ -27,7 +27,7 @@ class BrowserService : public IMediaBrowserCallbacks {
 
   // Any thread.
 
-  /// Shows the list, or hides it.
+  /// Shows the list, or hides it. A page that has not come by the time that it is shown is asked for again.
   void toggle();
   void up() { move(-1); }
   void down() { move(1); }

@@ -26,6 +26,12 @@ int millisecondsUntil(TimePoint time) {
   return time <= now ? 0 : static_cast<int>(std::chrono::ceil<milliseconds>(time - now).count());
 }
 
+bool pushEvent(unsigned int type) {
+  SDL_Event event{};
+  event.type = type;
+  return SDL_PushEvent(&event) == 1;
+}
+
 Size firstSize() {
   const Size wanted = besidePicture(PICTURE_AT_FIRST).size;
   SDL_Rect usable{0, 0, wanted.width, wanted.height};
@@ -36,6 +42,7 @@ Size firstSize() {
 }  // namespace
 
 Window::~Window() {
+  if (waker_) waker_->close();
   if (texture_ != nullptr) SDL_DestroyTexture(texture_);
   if (stripTexture_ != nullptr) SDL_DestroyTexture(stripTexture_);
   if (renderer_ != nullptr) SDL_DestroyRenderer(renderer_);
@@ -53,6 +60,7 @@ bool Window::open(std::string* error) {
       return false;
     }
     wakeEvent_ = SDL_RegisterEvents(1);
+    waker_ = std::make_shared<Waker>([type = wakeEvent_] { return pushEvent(type); });
     const Size size = firstSize();
     window_ = SDL_CreateWindow("vantry-headunit", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
                                size.width, size.height, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
@@ -67,11 +75,7 @@ bool Window::open(std::string* error) {
 }
 
 std::function<void()> Window::waker() const {
-  return [type = wakeEvent_] {
-    SDL_Event event{};
-    event.type = type;
-    SDL_PushEvent(&event);
-  };
+  return [waker = waker_] { waker->wake(); };
 }
 
 void Window::run() {
@@ -91,6 +95,7 @@ void Window::run() {
 }
 
 void Window::handle(const SDL_Event& event) {
+  if (event.type == wakeEvent_) waker_->heard();
   if (event.type == SDL_QUIT) closed_();
   if (event.type == SDL_WINDOWEVENT) {
     measure();

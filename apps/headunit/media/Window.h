@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -8,6 +9,7 @@
 
 #include "headunit/Layout.h"
 #include "headunit/Screen.h"
+#include "headunit/Waker.h"
 #include "headunit/media/WindowInput.h"
 
 struct SDL_Renderer;
@@ -31,7 +33,7 @@ class Window : public Screen {
   void run() override;
 
   /// After open: to be called, by any thread and also when the window has gone, when something has come
-  /// through the slot, when it has been closed, and when the strip has changed.
+  /// through the slot, when it has been closed, and when the strip has changed. Cheap if it is called often.
   std::function<void()> waker() const;
   ScreenLayout layout() const override;
 
@@ -61,6 +63,7 @@ class Window : public Screen {
   Size size_;  ///< of the window, in the renderer's pixels
   unsigned int wakeEvent_ = 0;
   bool redraw_ = true;
+  std::shared_ptr<Waker> waker_;
 };
 
 }  // namespace headunit

@@ -25,6 +25,12 @@ void Screen::nowShows(Picture picture) {
   last_ = std::move(picture);
 }
 
+Screen::Shown Screen::showsNow() const {
+  Shown shown{lastShown(), cluster_->view(), {}};
+  shown.layout = layoutWith(shown.picture);
+  return shown;
+}
+
 ScreenLayout layoutFor(const std::optional<Picture>& picture, Size margins) {
   if (!picture) return besidePicture(SMALLEST_PICTURE);
   const Rect shown = withoutMargins({picture->width, picture->height}, margins);

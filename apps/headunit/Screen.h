@@ -19,7 +19,7 @@ class Screen {
   virtual void run() = 0;
 
   /// Any thread: how the screen is shared out now.
-  virtual ScreenLayout layout() const = 0;
+  ScreenLayout layout() const { return layoutWith(lastShown()); }
 
   /// Any thread: the last picture shown.
   std::optional<Picture> lastShown() const {
@@ -30,15 +30,19 @@ class Screen {
   struct Shown {
     std::optional<Picture> picture;
     ClusterView cluster;
+    ScreenLayout layout = {};
   };
-  /// Any thread: what can be seen now.
-  Shown showsNow() const { return {lastShown(), cluster_->view()}; }
+  /// Any thread: what can be seen now, and where.
+  Shown showsNow() const;
 
   Size margins() const { return margins_; }
 
  protected:
   /// The picture can be seen from now on.
   void nowShows(Picture picture);
+
+  /// Any thread: how the screen is shared out while it shows this picture.
+  virtual ScreenLayout layoutWith(const std::optional<Picture>& picture) const = 0;
 
   const Cluster* cluster() const { return cluster_; }
 
@@ -58,9 +62,12 @@ class HeadlessScreen : public Screen {
   HeadlessScreen(PictureSlot* slot, const Cluster* cluster, Size margins)
       : Screen(cluster, margins), slot_(slot) {}
   void run() override;
-  ScreenLayout layout() const override { return layoutFor(lastShown(), margins()); }
 
  private:
+  ScreenLayout layoutWith(const std::optional<Picture>& picture) const override {
+    return layoutFor(picture, margins());
+  }
+
   PictureSlot* const slot_;
 };
 

@@ -108,6 +108,21 @@ TEST(HeadunitScreenImage, SurvivesAScreenWithoutRoom) {
 }
 
 // ---- The file ----
+// What is shown, and where, come from one look at the screen.
+TEST(HeadunitScreenImage, IsLaidOutForThePictureThatIsInIt) {
+  PictureSlot slot;
+  Cluster cluster;
+  HeadlessScreen screen(&slot, &cluster, {});
+  EXPECT_EQ(screen.showsNow().layout.size.width, screen.layout().size.width);
+  slot.put(halved({1280, 720}));
+  slot.close();
+  screen.run();
+  const Screen::Shown shown = screen.showsNow();
+  ASSERT_TRUE(shown.picture);
+  EXPECT_EQ(shown.layout.picture.width, shown.picture->width);
+  EXPECT_EQ(shown.layout.size.width, 1712);
+}
+
 
 struct HeadunitPng : testing::Test {
   std::string folder = [] {

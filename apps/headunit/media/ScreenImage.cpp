@@ -28,6 +28,7 @@ Bitmap toRgb(const Picture& picture, const Rect& shown, Size size) {
   SwsContext* const scaler =
       sws_getContext(shown.width, shown.height, AV_PIX_FMT_YUV420P, size.width, size.height, AV_PIX_FMT_RGB32,
                      SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr);
+  if (scaler == nullptr) return bitmap;  // no memory for it
   const int* const from = sws_getCoefficients(picture.bt709 ? SWS_CS_ITU709 : SWS_CS_ITU601);
   sws_setColorspaceDetails(scaler, from, picture.fullRange ? 1 : 0, sws_getCoefficients(SWS_CS_DEFAULT), 1, 0,
                            1 << 16, 1 << 16);
@@ -68,7 +69,8 @@ Bitmap drawScreen(const ScreenLayout& layout, const Screen::Shown& shown, Size m
 }
 
 std::string Screenshots::png() const {
-  return encodePng(drawScreen(screen_->layout(), screen_->showsNow(), screen_->margins(), Clock::now()));
+  const Screen::Shown shown = screen_->showsNow();
+  return encodePng(drawScreen(shown.layout, shown, screen_->margins(), Clock::now()));
 }
 
 }  // namespace headunit

@@ -111,7 +111,10 @@ void Window::measure() {
   size_ = size;
 }
 
-ScreenLayout Window::layout() const {
+// As large as the user has made it, whatever it shows.
+ScreenLayout Window::layoutWith(const std::optional<Picture>&) const { return split(); }
+
+ScreenLayout Window::split() const {
   const std::lock_guard lock(sizeMutex_);
   return splitScreen(size_);
 }
@@ -140,7 +143,7 @@ bool Window::fitTexture(const Picture& picture) {
 }
 
 void Window::takeStrip(TimePoint now) {
-  const Rect place = layout().strip;
+  const Rect place = split().strip;
   const std::uint64_t version = cluster()->version();
   const bool isCurrent = version == stripVersion_ && now < stripUntil_ && place.width == strip_.width &&
                          place.height == strip_.height;
@@ -166,7 +169,7 @@ bool Window::fitStripTexture(Size size) {
 }
 
 WindowView Window::view() const {
-  const ScreenLayout shared = layout();
+  const ScreenLayout shared = split();
   int width = 0;
   SDL_GetWindowSize(window_, &width, nullptr);
   const PictureView picture(picture_, margins(), {shared.picture.width, shared.picture.height},

@@ -35,9 +35,10 @@ class Window : public Screen {
   /// After open: to be called, by any thread and also when the window has gone, when something has come
   /// through the slot, when it has been closed, and when the strip has changed. Cheap if it is called often.
   std::function<void()> waker() const;
-  ScreenLayout layout() const override;
 
  private:
+  ScreenLayout layoutWith(const std::optional<Picture>& picture) const override;
+  ScreenLayout split() const;
   void handle(const SDL_Event& event);
   void measure();
   void takePicture();
@@ -62,8 +63,8 @@ class Window : public Screen {
   mutable std::mutex sizeMutex_;
   Size size_;  ///< of the window, in the renderer's pixels
   unsigned int wakeEvent_ = 0;
-  bool redraw_ = true;
   std::shared_ptr<Waker> waker_;
+  bool redraw_ = true;
 };
 
 }  // namespace headunit

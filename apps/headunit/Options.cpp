@@ -75,7 +75,8 @@ void addCar(CLI::App* app, Options* options, Texts* texts) {
 }
 
 void addResults(CLI::App* app, Options* options) {
-  app->add_option("--snapshot", options->snapshot, "Write the last picture shown to this file")
+  app->add_option("--snapshot", options->snapshot,
+                  "Write the last picture shown, and the strip beside it, to this file")
       ->type_name("FILE.png");
   app->add_option("--exit-after-frames", options->exitAfterFrames,
                   "Say good-bye and exit after this many pictures")

@@ -3,14 +3,15 @@
 #include <sys/signalfd.h>
 
 #include <exception>
+#include <memory>
 #include <thread>
 
 #include "headunit/Options.h"
 #include "headunit/Screen.h"
 #include "headunit/Server.h"
 #include "headunit/media/FfmpegDecoder.h"
-#include "headunit/media/Png.h"
 #include "headunit/media/ScreenImage.h"
+#include "headunit/media/Snapshot.h"
 #include "headunit/media/Window.h"
 #include "headunit/program/Car.h"
 #include "headunit/program/HostLog.h"
@@ -31,22 +32,16 @@ FileDescriptor signalsToEndBy() {
   return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
-/// The last picture shown, as large as it came, and what stood beside it, wherever that is wanted.
-bool writeSnapshot(const Options& options, const Screen& screen) {
-  const Screen::Shown shown = screen.showsNow();
-  if (options.snapshot.empty() || !shown.picture) return true;
-  const Size margins = screen.margins();
-  const Bitmap image = drawScreen(layoutFor(shown.picture, margins), shown, margins, Clock::now());
-  std::string error;
-  if (writePng(image, options.snapshot, &error)) return true;
-  spdlog::error("{}.", error);
-  return false;
-}
-
 int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
   const Screenshots camera(screen);
   if (options.verification) car->allowVerification(&camera);
-  server->afterLink([&] { writeSnapshot(options, *screen); });
+  const auto snapshot = options.snapshot.empty() ? nullptr : std::make_shared<Snapshot>(options.snapshot);
+  server->afterLink([=] {
+    if (!snapshot) return;
+    car->slowWork()->post([snapshot, shown = screen->showsNow(), margins = screen->margins()] {
+      snapshot->write(shown, margins);
+    });
+  });
   int status = 0;
   std::thread serving([&] {
     status = server->run();
@@ -56,8 +51,8 @@ int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
   serving.join();
   car->finish();
   const bool statistics = server->writeStatistics();
-  const bool snapshot = writeSnapshot(options, *screen);
-  return status == 0 && !(statistics && snapshot) ? WRONG_USAGE : status;
+  const bool drawn = !snapshot || snapshot->writeLast(screen->showsNow(), screen->margins());
+  return status == 0 && !(statistics && drawn) ? WRONG_USAGE : status;
 }
 
 int run(const Options& options) {

@@ -8,6 +8,7 @@
 
 #include "headunit/media/Png.h"
 #include "headunit/media/ScreenImage.h"
+#include "headunit/media/Snapshot.h"
 #include "headunit/strip/StripPainter.h"
 #include "phone/media/Png.h"
 
@@ -107,7 +108,6 @@ TEST(HeadunitScreenImage, SurvivesAScreenWithoutRoom) {
     EXPECT_EQ(drawScreen(splitScreen(size), {halved({800, 480}), {}}, {}, NOW).size.width, size.width);
 }
 
-// ---- The file ----
 // What is shown, and where, come from one look at the screen.
 TEST(HeadunitScreenImage, IsLaidOutForThePictureThatIsInIt) {
   PictureSlot slot;
@@ -123,6 +123,7 @@ TEST(HeadunitScreenImage, IsLaidOutForThePictureThatIsInIt) {
   EXPECT_EQ(shown.layout.size.width, 1712);
 }
 
+// ---- The file ----
 
 struct HeadunitPng : testing::Test {
   std::string folder = [] {
@@ -157,6 +158,30 @@ TEST_F(HeadunitPng, LeavesAnEarlierFileIfThereIsNothingToWrite) {
   EXPECT_FALSE(writePng({}, path, &error));
   EXPECT_EQ(std::filesystem::file_size(path), 7U);
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1) << "and nothing else";
+}
+
+TEST_F(HeadunitPng, IsWrittenAfterEachLinkAndNeverAfterTheLastTime) {
+  const std::string path = folder + "/image.png";
+  Snapshot snapshot(path);
+  snapshot.write({}, {});
+  EXPECT_FALSE(std::filesystem::exists(path)) << "before the first picture";
+  snapshot.write({halved({800, 480}), {}}, {});
+  EXPECT_EQ(phone::readPicture(path, &error)->width, 1088);
+  EXPECT_TRUE(snapshot.writeLast({halved({1280, 720}), {}}, {}));
+  EXPECT_EQ(phone::readPicture(path, &error)->width, 1712);
+  snapshot.write({halved({800, 480}), {}}, {});
+  EXPECT_EQ(phone::readPicture(path, &error)->width, 1712) << "a link that ended earlier";
+}
+
+TEST_F(HeadunitPng, IsNotWrittenWithoutAPictureAndThatIsNoFailure) {
+  Snapshot snapshot(folder + "/image.png");
+  EXPECT_TRUE(snapshot.writeLast({}, {}));
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+}
+
+TEST_F(HeadunitPng, TellsIfItsLastOneCannotBeWritten) {
+  Snapshot snapshot(folder + "/missing/image.png");
+  EXPECT_FALSE(snapshot.writeLast({halved({800, 480}), {}}, {}));
 }
 
 TEST_F(HeadunitPng, IsWhatASpectatorGets) {

@@ -7,8 +7,9 @@
 
 namespace headunit {
 
-/// Writes signed 16-bit samples as a WAVE file. The header tells the length up to the last `flush`, so the
-/// file can be read even if the program is killed later.
+/// Writes signed 16-bit samples as a WAVE file. The header tells the length up to the last `flush`, of which
+/// there is one at creation and one at destruction: of a program that is killed the file can be read, but it
+/// tells of no samples.
 class WavWriter {
  public:
   /// Null on failure, with the reason in `*error`.

@@ -251,22 +251,53 @@ bool EveryService::tlsStands() {
   return receiver_.controller().sslWrapper().currentState() == SSL_WRAPPER_CONNECTED;
 }
 
+namespace {
+
+/// Whether the control message that begins at `type` is of a type that is none for control frames.
+bool isUnknownControl(const unsigned char* type) {
+  const unsigned short number = readBigEndian16(type);
+  return number != MESSAGE_CHANNEL_OPEN_REQUEST && number != MESSAGE_CHANNEL_CLOSE_NOTIFICATION;
+}
+
+bool isControl(const unsigned char* frame, std::size_t size) {
+  return size >= 2 && (frame[1] & FRAME_FLAG_CONTROL) != 0;
+}
+
+bool isEnciphered(const unsigned char* frame, std::size_t size) {
+  return size >= 2 && (frame[1] & FRAME_FLAG_ENCRYPTED) != 0;
+}
+
+}  // namespace
+
 bool EveryService::isLeftOut(const unsigned char* frame, std::size_t size) {
   if (size < 6) return false;
-  const bool deciphered = (frame[1] & FRAME_FLAG_ENCRYPTED) != 0 && tlsStands();
   if (size >= 8 && (frame[1] & FRAME_ATOMIC) == FRAME_FIRST && readBigEndian32(frame + 4) > (1U << 20)) {
     return true;
   }
-  if ((frame[1] & FRAME_FLAG_CONTROL) == 0 || deciphered) return false;
-  const unsigned short type = readBigEndian16(frame + 4);
-  return type != MESSAGE_CHANNEL_OPEN_REQUEST && type != MESSAGE_CHANNEL_CLOSE_NOTIFICATION;
+  if (isEnciphered(frame, size) && tlsStands()) return false;  // its type is seen only once it is deciphered
+  return isControl(frame, size) && isUnknownControl(frame + 4);
+}
+
+void EveryService::takeEncipheredControl(const shared_ptr<IoBuffer>& buffer) {
+  // Step by step what ChannelManager::queueIncoming does, so as to look at the type in between.
+  ChannelManager& manager = *receiver_.messageRouter()->manager();
+  const shared_ptr<Frame> frame(new Frame());
+  if (manager.decodeFrame(frame, buffer) == STATUS_FRAMING_ERROR) {
+    manager.sendFramingError();
+  } else if (frame->length < 2 || !isUnknownControl(frame->payload)) {
+    manager.handleChannelControl(frame, buffer);
+  }
 }
 
 void EveryService::feed(const unsigned char* frame, std::size_t size) {
   if (broken_ || isLeftOut(frame, size)) return;  // a framing error is terminal
   const shared_ptr<IoBuffer> buffer = receiver_.allocateBuffer(static_cast<unsigned int>(size));
   memcpy(buffer->data, frame, size);
-  receiver_.queueIncoming(buffer);
+  if (isControl(frame, size) && isEnciphered(frame, size) && tlsStands()) {
+    takeEncipheredControl(buffer);
+  } else {
+    receiver_.queueIncoming(buffer);
+  }
   drain();
 }
 

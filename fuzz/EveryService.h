@@ -8,8 +8,8 @@
 #include "VantryReceiver.h"
 
 /// A head unit that offers one of each service, on a link without threads or a medium, and without TLS unless
-/// it has loaded credentials. Its host accepts
-/// everything, reads every byte that it is given, and releases what is its own.
+/// it has loaded credentials. Its host accepts everything, reads every byte that it is given, and releases
+/// what is its own.
 class EveryService {
  public:
   EveryService();
@@ -25,9 +25,9 @@ class EveryService {
   void startsUp();
   /// The phone opens channel n to service n, for each.
   void openAll();
-  /// One frame as the reader hands it over. Two kinds are left out: a control frame of an unknown type on a
-  /// channel that is not open ends the process, as it is meant to; and an announced length above 1 MiB is a
-  /// test of the fuzzer's memory limit.
+  /// One frame as the reader hands it over. Two kinds are left out: a control frame of an unknown type, which
+  /// ends the process, as it is meant to, on a channel that is not open; and an announced length above 1 MiB
+  /// is a test of the fuzzer's memory limit.
   void feed(const unsigned char* frame, std::size_t size);
   /// Bytes from the phone, cut into frames as the reader thread does it.
   void feedStream(const unsigned char* data, std::size_t size);
@@ -43,6 +43,7 @@ class EveryService {
 
  private:
   bool isLeftOut(const unsigned char* frame, std::size_t size);
+  void takeEncipheredControl(const shared_ptr<IoBuffer>& buffer);
   void drain();
 
   VantryReceiver receiver_;

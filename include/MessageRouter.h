@@ -70,8 +70,9 @@ class VANTRY_EXPORT MessageRouter {
 
   /// Any thread: the head unit's own way of closing. Notifies the phone and unmaps the channel, so that what
   /// still arrives on it is dropped; the endpoint is not told and still counts its channel as open. Returns
-  /// false if the channel is not mapped. Where the phone closes the channel and opens it to another service
-  /// meanwhile, the new mapping stays.
+  /// false if the channel is not mapped. Where the phone closes the channel and opens it anew meanwhile, the
+  /// new mapping stays if it is to another service; one to the same service looks like the old and goes, so
+  /// that the phone's messages on it are dropped.
   bool closeChannel(unsigned char channel);
 
   /// The 16-bit type in the first two of the bytes at `data`.

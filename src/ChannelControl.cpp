@@ -94,6 +94,7 @@ bool MessageRouter::closeChannel(unsigned char channel) {
   if (service == UNMAPPED) return false;
   sendControl(channel, MESSAGE_CHANNEL_CLOSE_NOTIFICATION, ChannelCloseNotification());
   // By now the phone may have closed the channel and opened it anew, to another service: that mapping stays.
+  // One to the same service cannot be told from the old.
   channelToService[channel].compare_exchange_strong(service, UNMAPPED);
   return true;
 }

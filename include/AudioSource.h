@@ -34,9 +34,9 @@ class VANTRY_EXPORT AudioSource : public ProtocolEndpointBase {
   /// returns, as one media data message. `timestamp` is passed on unchanged. Dropped while no channel is
   /// open, and if it is longer than a message can be; a closed microphone holds nothing back.
   ///
-  /// Blocks of more than 16118 bytes make long messages, which stand no other send of this service beside
-  /// them: see ProtocolEndpointBase. The answer to a microphone request is such a send, on the reader thread,
-  /// so smaller blocks are the way out.
+  /// A block of at most 16118 bytes makes a message of one frame. A larger one makes a long message, and no
+  /// other message of this service may get between its frames: see ProtocolEndpointBase. The answer to a
+  /// microphone request is one, and goes out on the reader thread by itself; so keep blocks to that size.
   void send(unsigned long long timestamp, shared_ptr<IoBuffer> const& buffer);
 
   /// Any thread: answers a microphone request; done by itself with the result of

@@ -23,8 +23,9 @@ class VANTRY_EXPORT NotificationEndpoint : public ProtocolEndpointBase {
   /// returns. STATUS_INVALID_CHANNEL, and nothing sent, unless the phone is subscribed; otherwise
   /// STATUS_SUCCESS, also if no channel is open, which drops the message.
   ///
-  /// With an icon it is easily longer than 16128 bytes; then no other notification or acknowledgement may be
-  /// sent meanwhile: see ProtocolEndpointBase.
+  /// With an icon it is easily longer than 16128 bytes. No other message of this service may be sent
+  /// meanwhile, and the library answers what it does not understand on the reader thread: a smaller icon is
+  /// safe, or to send from a callback. See ProtocolEndpointBase.
   int sendNotification(const std::string& text, bool hasId, const std::string& id, bool hasIcon,
                        unsigned char* icon, unsigned int iconLength);
 

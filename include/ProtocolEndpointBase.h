@@ -17,10 +17,11 @@ class MessageRouter;
 /// return soon: the next frame waits for them. Sends may come from any thread.
 ///
 /// Long messages: one of more than MAX_FRAGMENT_PAYLOAD (16128) bytes leaves in several frames, and no other
-/// message of its channel, however short, may get between them: to the phone that is a broken stream. A
-/// service of which any message is long therefore has one sender at a time, by a lock of the host's around
-/// all its sends. The answers that a service gives by itself, and what its callbacks send, are sends too, on
-/// the reader thread. Messages of other channels do no harm.
+/// message of its channel, however short, may get between them: to the phone that is a broken stream. A lock
+/// of the host's around all sends of a service is not enough: the reader thread sends as well, what the
+/// service answers by itself, and MESSAGE_UNEXPECTED_MESSAGE to whatever the phone sends that is not
+/// understood. Two ways are sure: no message of the service is longer than that, or all that the host sends
+/// by it is sent from callbacks, which run on the reader thread. Messages of other channels do no harm.
 ///
 /// Callback objects are dropped by the service's destructor, on the thread that destroys it: if the host
 /// keeps no reference of its own, they are destroyed there.

@@ -15,6 +15,12 @@
 ///
 /// Threads: the setters before the link starts; the send operations on any thread. A send reports nothing and
 /// is dropped while channel 0 is not open.
+///
+/// Long messages: what ProtocolEndpointBase tells of them holds on channel 0, too. With many services and
+/// configurations the discovery response can come to more than 16128 bytes. It is queued on the reader thread
+/// once IControllerCallbacks::serviceDiscoveryRequest has returned, and a ping that another thread sends at
+/// that moment breaks the stream. A host of which it may be that long sends nothing on channel 0 from other
+/// threads between that call and the phone's next message.
 class VANTRY_EXPORT Controller : public ProtocolEndpointBase {
  public:
   explicit Controller(MessageRouter* messageRouter);
@@ -44,6 +50,7 @@ class VANTRY_EXPORT Controller : public ProtocolEndpointBase {
 
   /// Pings the phone. `timestamp` is the host's own number, in its own units, and comes back in
   /// IControllerCallbacks::pingResponse. The library has no timer and keeps no record of pings.
+  /// `bugReport` asks the phone for a bug report; the library does no more than to send it.
   void sendPingRequest(long long timestamp, bool bugReport);
 
   /// States the audio focus; `unsolicited` where it answers no request. An invalid `state` ends the process.

@@ -5,8 +5,8 @@
 #include "shared_ptr.h"
 
 /// What the host hears of an audio stream. All operations run on the reader thread: play elsewhere. A
-/// callback may send and call Transport::requestStop; it must not call Transport::waitForExit or
-/// VantryReceiver::shutdown, nor destroy the endpoint.
+/// callback may send, call MessageRouter::closeChannel and Transport::requestStop; it must not call
+/// Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IAudioSinkCallbacks {
  public:
   virtual ~IAudioSinkCallbacks() = default;

@@ -3,8 +3,8 @@
 #include "VantryExport.h"
 
 /// What the host hears of the microphone service. All operations run on the reader thread. A callback may
-/// send and call Transport::requestStop; it must not call Transport::waitForExit or VantryReceiver::shutdown,
-/// nor destroy the endpoint.
+/// send, call MessageRouter::closeChannel and Transport::requestStop; it must not call Transport::waitForExit
+/// or VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IAudioSourceCallbacks {
  public:
   virtual ~IAudioSourceCallbacks() = default;

@@ -4,9 +4,9 @@
 
 #include "VantryExport.h"
 
-/// What the host hears of a Bluetooth pairing. Runs on the reader thread: pair elsewhere. A callback may send
-/// and call Transport::requestStop; it must not call Transport::waitForExit or VantryReceiver::shutdown, nor
-/// destroy the endpoint.
+/// What the host hears of a Bluetooth pairing. Runs on the reader thread: pair elsewhere. A callback may
+/// send, call MessageRouter::closeChannel and Transport::requestStop; it must not call Transport::waitForExit
+/// or VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IBluetoothCallbacks {
  public:
   virtual ~IBluetoothCallbacks() = default;

@@ -9,9 +9,9 @@
 ///
 /// All operations run on the reader thread, inside VantryReceiver::queueIncoming, except that
 /// unrecoverableError can also come from the writer thread. They may call back into Controller, which is how
-/// the host answers, and into anything else that sends, and Transport::requestStop; they must not call
-/// Transport::waitForExit or VantryReceiver::shutdown, nor destroy anything of the link. The link stands
-/// still while they run. Strings are valid during the call only.
+/// the host answers, and into anything else that sends, and MessageRouter::closeChannel and
+/// Transport::requestStop; they must not call Transport::waitForExit or VantryReceiver::shutdown, nor destroy
+/// anything of the link. The link stands still while they run. Strings are valid during the call only.
 class VANTRY_EXPORT IControllerCallbacks {
  public:
   virtual ~IControllerCallbacks() = default;
@@ -27,7 +27,8 @@ class VANTRY_EXPORT IControllerCallbacks {
   virtual void unrecoverableError() = 0;
 
   /// The phone pings; the library answers by itself right after this call. `timestamp` is the phone's own
-  /// number.
+  /// number. `bugReport`: the phone asks this head unit for a bug report, which is the host's to make; false
+  /// if it did not say.
   virtual void pingRequest(long long timestamp, bool bugReport) = 0;
 
   /// The phone answers a ping with the `timestamp` that the host gave to Controller::sendPingRequest.
@@ -50,7 +51,8 @@ class VANTRY_EXPORT IControllerCallbacks {
   virtual void audioFocusRequest(AudioFocusRequestType request) = 0;
 
   /// The handshake has ended with `status`, STATUS_SUCCESS or STATUS_AUTHENTICATION_FAILURE; the phone is
-  /// told next.
+  /// told next. What is sent from inside this call leaves before the phone is told, and on success already
+  /// enciphered.
   virtual void authenticationCompleted(int status) = 0;
 
   /// The phone has accepted this head unit's protocol version and speaks `major`.`minor` itself.

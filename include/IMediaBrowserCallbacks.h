@@ -7,9 +7,9 @@
 #include "VantryExport.h"
 
 /// The nodes of the phone's media tree that the host asked for, in the order in which they arrive; which
-/// request one answers is not told. All operations run on the reader thread. A callback may send and call
-/// Transport::requestStop; it must not call Transport::waitForExit or VantryReceiver::shutdown, nor destroy
-/// the endpoint.
+/// request one answers is not told. All operations run on the reader thread. A callback may send, call
+/// MessageRouter::closeChannel and Transport::requestStop; it must not call Transport::waitForExit or
+/// VantryReceiver::shutdown, nor destroy the endpoint.
 ///
 /// A node is valid during the call, but its array (`mediaSources`, `lists`, `songs`) passes to the host, also
 /// an empty one: the host keeps it for as long as it likes and releases it with delete[].

@@ -6,8 +6,8 @@
 
 /// What the host hears of the phone's player. Both operations run on the reader thread, independently of each
 /// other: neither follows the other. The arguments are the host's own copies, bytes of pictures included. A
-/// callback may send and call Transport::requestStop; it must not call Transport::waitForExit or
-/// VantryReceiver::shutdown, nor destroy the endpoint.
+/// callback may send, call MessageRouter::closeChannel and Transport::requestStop; it must not call
+/// Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IMediaPlaybackStatusCallbacks {
  public:
   virtual ~IMediaPlaybackStatusCallbacks() = default;

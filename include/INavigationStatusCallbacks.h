@@ -5,7 +5,7 @@
 #include "VantryExport.h"
 
 /// What the host hears of the phone's turn-by-turn guidance, event by event. All operations run on the reader
-/// thread. A callback may send and call Transport::requestStop; it must not call
+/// thread. A callback may send, call MessageRouter::closeChannel and Transport::requestStop; it must not call
 /// Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT INavigationStatusCallbacks {
  public:

@@ -5,8 +5,8 @@
 #include "VantryExport.h"
 
 /// What the host hears of notifications. All operations run on the reader thread; what they are given is
-/// valid during the call. A callback may send and call Transport::requestStop; it must not call
-/// Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
+/// valid during the call. A callback may send, call MessageRouter::closeChannel and Transport::requestStop;
+/// it must not call Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT INotificationCallbacks {
  public:
   virtual ~INotificationCallbacks() = default;

@@ -3,9 +3,9 @@
 #include "PhoneStatusStruct.h"
 #include "VantryExport.h"
 
-/// What the host hears of the phone's calls. Runs on the reader thread. A callback may send and call
-/// Transport::requestStop; it must not call Transport::waitForExit or VantryReceiver::shutdown, nor destroy
-/// the endpoint.
+/// What the host hears of the phone's calls. Runs on the reader thread. A callback may send, call
+/// MessageRouter::closeChannel and Transport::requestStop; it must not call Transport::waitForExit or
+/// VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IPhoneStatusCallbacks {
  public:
   virtual ~IPhoneStatusCallbacks() = default;

@@ -4,8 +4,8 @@
 #include "VantryExport.h"
 
 /// What the phone wants of the host's tuner. All operations run on the reader thread, and the link stands
-/// still while they run. A callback may send and call Transport::requestStop; it must not call
-/// Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
+/// still while they run. A callback may send, call MessageRouter::closeChannel and Transport::requestStop; it
+/// must not call Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IRadioCallbacks {
  public:
   virtual ~IRadioCallbacks() = default;

@@ -9,9 +9,9 @@
 ///
 /// All operations run on the reader thread; the record is valid during the call, complete, and without
 /// unknown fields at any depth. The result is a MessageStatus: STATUS_UNEXPECTED_MESSAGE makes the phone hear
-/// that its message was not understood, and any other number changes nothing. A callback may send and call
-/// Transport::requestStop; it must not call Transport::waitForExit or VantryReceiver::shutdown, nor destroy
-/// the endpoint.
+/// that its message was not understood, and any other number changes nothing. A callback may send, call
+/// MessageRouter::closeChannel and Transport::requestStop; it must not call Transport::waitForExit or
+/// VantryReceiver::shutdown, nor destroy the endpoint.
 class VANTRY_EXPORT IVantryVerificationCallbacks {
  public:
   virtual ~IVantryVerificationCallbacks() = default;

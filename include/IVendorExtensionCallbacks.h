@@ -2,8 +2,9 @@
 
 #include "VantryExport.h"
 
-/// What receives the bytes of a vendor extension. A callback may send and call Transport::requestStop; it
-/// must not call Transport::waitForExit or VantryReceiver::shutdown, nor destroy the endpoint.
+/// What receives the bytes of a vendor extension. A callback may send, call MessageRouter::closeChannel and
+/// Transport::requestStop; it must not call Transport::waitForExit or VantryReceiver::shutdown, nor destroy
+/// the endpoint.
 class VANTRY_EXPORT IVendorExtensionCallbacks {
  public:
   virtual ~IVendorExtensionCallbacks() = default;

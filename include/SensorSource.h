@@ -38,8 +38,7 @@ class VANTRY_EXPORT SensorSource : public ProtocolEndpointBase {
 
   // Two sensors are replaced by each parked report: what the latest one leaves out is absent.
 
-  /// A position fix. `timestamp` is in the host's own units. `accuracyE3`
-  /// travels as an unsigned number.
+  /// A position fix. `timestamp` is in the host's own units. `accuracyE3` travels as an unsigned number.
   int reportLocationData(unsigned long long timestamp, int latitudeE7, int longitudeE7, bool hasAccuracy,
                          int accuracyE3, bool hasAltitude, int altitudeE2, bool hasSpeed, int speedE3,
                          bool hasBearing, int bearingE6);

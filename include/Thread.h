@@ -27,7 +27,8 @@ class VANTRY_EXPORT Thread {
   /// `join` is owed, which would be lost.
   bool start();
 
-  /// Blocks until `run` has returned. Returns false at once if no join is owed, false if the join failed.
+  /// Blocks until `run` has returned. Returns false at once if no join is owed, and false if the join failed,
+  /// which is then still owed.
   bool join();
 
   /// The thread's identifier; meaningful between a successful `start` and `join`.

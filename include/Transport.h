@@ -69,10 +69,11 @@ class VANTRY_EXPORT Transport {
   /// Whether requestStop has been called. Any thread.
   bool isStopRequested() const { return stopRequested; }
 
-  /// Reads all of `length` bytes; false on a fatal error or a stop in between.
+  /// For the reader thread alone. Reads all of `length` bytes, at most INT_MAX; false on a fatal error, a
+  /// stop in between, and a larger `length`, of which nothing is read.
   bool readOrFail(void* data, unsigned int length);
 
-  /// Writes all of `length` bytes; false on a fatal error or a stop in between.
+  /// For the writer thread alone. Writes all of `length` bytes; false as `readOrFail`.
   bool writeOrFail(void* data, unsigned int length);
 
  private:

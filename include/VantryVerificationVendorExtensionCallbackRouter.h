@@ -9,7 +9,7 @@
 /// nothing else.
 class VANTRY_EXPORT VantryVerificationVendorExtensionCallbackRouter : public IVendorExtensionCallbacks {
  public:
-  /// Keeps a reference to `verificationCallbacks`, which must point to an object.
+  /// Keeps a reference to `verificationCallbacks`, which must point to an object, until destruction.
   explicit VantryVerificationVendorExtensionCallbackRouter(
       const shared_ptr<IVantryVerificationCallbacks>& verificationCallbacks);
   ~VantryVerificationVendorExtensionCallbackRouter() override;

@@ -1,11 +1,13 @@
 #include "headunit/strip/StripPainter.h"
 
 #include <gmock/gmock.h>
+#include <protos.pb.h>
 
 #include <algorithm>
 #include <future>
 #include <string>
 
+#include "headunit/Calls.h"
 #include "headunit/strip/Cards.h"
 #include "headunit/strip/Glyphs.h"
 #include "headunit/strip/Theme.h"
@@ -212,6 +214,16 @@ TEST(HeadunitStrip, ShowsAsManyCallsAsFitTheLatestFirst) {
   EXPECT_GT(boundsOf(bitmap, 0x0000FF).height, 0);
 }
 
+  view.browser.open = true;
+  EXPECT_EQ(countOf(drawn(view), 0x00FF00), 0) << "there is room for one";
+  EXPECT_GT(countOf(drawn(view), 0x0000FF), 0);
+}
+
+TEST(HeadunitStrip, CountsNoCallThatIsOver) {
+  ClusterView view;
+  view.phone.calls = {{PhoneStatus_State_INACTIVE, "1", "Ada", 0, nullptr},
+                      {PhoneStatus_State_ON_HOLD, "2", "Eve", 0, nullptr}};
+  EXPECT_EQ(callsIn(view.phone.calls), 1U);
 TEST(HeadunitStrip, MovesTheNeedleAlongTheBand) {
   ClusterView view;
   EXPECT_EQ(countOf(drawn(view), strip::RADIO), 0) << "the radio is off";

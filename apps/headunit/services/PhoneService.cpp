@@ -3,11 +3,19 @@
 #include <algorithm>
 #include <memory>
 
+#include "headunit/Calls.h"
+
 namespace headunit {
 namespace {
 
 // No phone holds more, and no screen shows more.
 constexpr int MOST_CALLS = 8;
+// Number and name go back to the phone as they are, if they are not longer than any can be.
+constexpr std::size_t LONGEST_NAME = 4096;
+
+bool isTooLong(const PhoneCallStruct& call) {
+  return call.callerNumber.size() > LONGEST_NAME || call.callerId.size() > LONGEST_NAME;
+}
 
 CallView viewOf(const PhoneCallStruct& call, const ImageLoader& images) {
   CallView view;
@@ -36,12 +44,10 @@ bool PhoneService::rings() const { return foremost().state == PhoneStatus_State_
 
 PhoneService::Call PhoneService::foremost() const {
   const std::lock_guard lock(mutex_);
-  for (const int state : {PhoneStatus_State_INCOMING, PhoneStatus_State_IN_CALL}) {
-    const auto found =
-        std::find_if(calls_.begin(), calls_.end(), [state](const Call& call) { return call.state == state; });
-    if (found != calls_.end()) return *found;
-  }
-  return calls_.empty() ? Call() : calls_.front();
+  const auto found = std::min_element(calls_.begin(), calls_.end(), [](const Call& one, const Call& other) {
+    return callRank(one.state) < callRank(other.state);
+  });
+  return found == calls_.end() ? Call() : *found;
 }
 
 bool PhoneService::press(InstrumentClusterInput_InstrumentClusterAction action) {
@@ -56,7 +62,7 @@ bool PhoneService::press(InstrumentClusterInput_InstrumentClusterAction action) 
 void PhoneService::remember(const PhoneCallStruct* calls, std::size_t count) {
   std::vector<Call> now;
   for (std::size_t i = 0; i < count; ++i) {
-    if (calls[i].phoneState == PhoneStatus_State_INACTIVE) continue;
+    if (!isCall(calls[i].phoneState) || isTooLong(calls[i])) continue;
     now.push_back({calls[i].phoneState, calls[i].callerNumber, calls[i].callerId});
   }
   const std::lock_guard lock(mutex_);

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "headunit/Calls.h"
 #include "headunit/strip/Cards.h"
 #include "headunit/strip/Glyphs.h"
 #include "headunit/strip/Words.h"
@@ -60,10 +61,9 @@ void drawCallsCard(Brush* brush, Box box, const std::vector<CallView>& calls) {
   brush->fill(box, CARD, CARD_RADIUS);
   box = {box.x + CARD_PADDING, box.y + PADDING, box.width - 2 * CARD_PADDING, box.height - 2 * PADDING};
   const auto room = static_cast<std::size_t>(std::max(1.0, (box.height + 0.5) / ROW));
-  // The latest call is the one that matters: it comes first.
-  for (std::size_t i = 0; i < std::min(room, calls.size()); ++i) {
-    drawCall(brush, box.takeTop(ROW), calls[calls.size() - 1 - i]);
-  }
+  const std::vector<CallView> ranked = byRank(calls);
+  for (std::size_t i = 0; i < std::min(room, ranked.size()); ++i)
+    drawCall(brush, box.takeTop(ROW), ranked[i]);
 }
 
 }  // namespace headunit::strip

@@ -1,3 +1,4 @@
+#include "headunit/Calls.h"
 #include "headunit/strip/Cards.h"
 #include "headunit/strip/Glyphs.h"
 
@@ -6,7 +7,7 @@ namespace {
 
 std::string wordsOn(const PhoneView& phone) {
   if (!phone.known) return "NO PHONE YET";
-  const std::size_t calls = phone.calls.size();
+  const std::size_t calls = callsIn(phone.calls);
   if (calls == 0) return "PHONE";
   return std::to_string(calls) + (calls == 1 ? " CALL" : " CALLS");
 }

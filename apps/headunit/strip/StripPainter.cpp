@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "headunit/Calls.h"
 #include "headunit/strip/Cards.h"
 
 namespace headunit {
@@ -26,13 +27,6 @@ constexpr std::size_t MOST_CALLS = 2;
 
 std::size_t callsShown(const ClusterView& view) {
   return std::min(view.phone.calls.size(), view.browser.open ? 1 : MOST_CALLS);
-}
-
-// All keys are the call's then, so that a click elsewhere would take it or refuse it.
-bool rings(const PhoneView& phone) {
-  constexpr int INCOMING = 4;
-  return std::any_of(phone.calls.begin(), phone.calls.end(),
-                     [](const CallView& call) { return call.state == INCOMING; });
 }
 
 // From the top and from the bottom; what plays, or what can be played, gets what is left in between.
@@ -80,6 +74,7 @@ StripDrawing drawStrip(const ClusterView& view, Size size, TimePoint now) {
     Brush brush(&drawing.bitmap, scale);
     drawParts(&brush, whole.inset(MARGIN), view, &targets);
     if (view.notice && view.notice->until > now) drawToast(&brush, whole, *view.notice, &targets);
+    // All keys are the call's then, so that a click elsewhere would take it or refuse it.
     if (rings(view.phone)) targets.clear();
     if (view.pairing) drawPairing(&brush, whole, *view.pairing, &targets);
   }

@@ -68,8 +68,8 @@ int run(const Options& options) {
     HeadlessScreen screen(car.slot(), car.cluster(), options.margins);
     return runWith(options, &server, &screen, &car);
   }
-  Window window(car.slot(), car.cluster(), options.margins, WindowInput(car.controls(), car.clusterKeys()),
-                [&server] { server.quit(); });
+  Window window(car.slot(), car.cluster(), options.margins,
+                WindowInput(car.controls(), car.clusterKeys(), car.cluster()), [&server] { server.quit(); });
   if (!window.open(&error)) {
     spdlog::error("Cannot open a window: {}; without a display, use --headless.", error);
     return WRONG_USAGE;

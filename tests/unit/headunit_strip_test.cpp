@@ -202,18 +202,18 @@ TEST(HeadunitStrip, HasABarForEachStepOfTheSignal) {
   EXPECT_EQ(bars(4'000'000'000U), bars(4));
 }
 
-TEST(HeadunitStrip, ShowsAsManyCallsAsFitTheLatestFirst) {
+TEST(HeadunitStrip, ShowsAsManyCallsAsFitThoseFirstThatTheKeysConcern) {
   ClusterView view;
   view.phone.known = true;
-  view.phone.calls = {{2, "1", "First", 0, flatImage(0xFF0000)},
-                      {2, "2", "Second", 0, flatImage(0x00FF00)},
-                      {4, "3", "Third", 0, flatImage(0x0000FF)}};
+  view.phone.calls = {{PhoneStatus_State_INCOMING, "1", "First", 0, flatImage(0x0000FF)},
+                      {PhoneStatus_State_ON_HOLD, "2", "Second", 0, flatImage(0xFF0000)},
+                      {PhoneStatus_State_IN_CALL, "3", "Third", 0, flatImage(0x00FF00)},
+                      {PhoneStatus_State_INACTIVE, "4", "Fourth", 0, flatImage(0xFFFF00)}};
   const Bitmap bitmap = drawn(view);
   EXPECT_EQ(countOf(bitmap, 0xFF0000), 0);
+  EXPECT_EQ(countOf(bitmap, 0xFFFF00), 0);
   EXPECT_GT(boundsOf(bitmap, 0x00FF00).y, boundsOf(bitmap, 0x0000FF).y);
   EXPECT_GT(boundsOf(bitmap, 0x0000FF).height, 0);
-}
-
   view.browser.open = true;
   EXPECT_EQ(countOf(drawn(view), 0x00FF00), 0) << "there is room for one";
   EXPECT_GT(countOf(drawn(view), 0x0000FF), 0);
@@ -224,6 +224,8 @@ TEST(HeadunitStrip, CountsNoCallThatIsOver) {
   view.phone.calls = {{PhoneStatus_State_INACTIVE, "1", "Ada", 0, nullptr},
                       {PhoneStatus_State_ON_HOLD, "2", "Eve", 0, nullptr}};
   EXPECT_EQ(callsIn(view.phone.calls), 1U);
+}
+
 TEST(HeadunitStrip, MovesTheNeedleAlongTheBand) {
   ClusterView view;
   EXPECT_EQ(countOf(drawn(view), strip::RADIO), 0) << "the radio is off";
@@ -275,6 +277,33 @@ TEST(HeadunitStrip, OpensTheEntryThatIsClicked) {
   const Rect place = drawing.targets[1].place;
   EXPECT_TRUE(contains(place, {selection.x, selection.y}));
   EXPECT_TRUE(contains(place, {selection.x + selection.width - 1, selection.y + selection.height - 1}));
+}
+
+TEST(HeadunitStrip, TellsWithEachPlaceWhatItsKeysMeant) {
+  ClusterView view = list(3, 1);
+  view.browser.path = "/Library";
+  for (const StripTarget& target : drawStrip(view, MIDDLE, NOW).targets)
+    EXPECT_TRUE(target.mode == keyModeOf(view, NOW));
+  const KeyMode drawn = keyModeOf(view, NOW);
+  const auto differs = [&](const std::function<void(ClusterView&)>& change) {
+    ClusterView other = view;
+    change(other);
+    return !(keyModeOf(other, NOW) == drawn);
+  };
+  EXPECT_FALSE(differs([](ClusterView& other) { other.media.positionSeconds = 5; }));
+  EXPECT_FALSE(differs([](ClusterView& other) { other.notice = notice(milliseconds(0)); })) << "it is over";
+  EXPECT_TRUE(differs([](ClusterView& other) { other.notice = notice(milliseconds(1)); }));
+  EXPECT_TRUE(differs([](ClusterView& other) { other.pairing = PairingView(); }));
+  EXPECT_TRUE(differs([](ClusterView& other) { other.browser.open = false; }));
+  EXPECT_TRUE(differs([](ClusterView& other) { other.browser.path = "/"; }));
+  EXPECT_TRUE(differs([](ClusterView& other) { other.browser.start = 10; }));
+  EXPECT_TRUE(differs([](ClusterView& other) { other.browser.selected = 2; }));
+  const auto rings = [](ClusterView& other) { other.phone.calls = {{4, "1", "Ada", 0, nullptr}}; };
+  EXPECT_TRUE(differs(rings));
+  view.pairing = PairingView();
+  ClusterView ringing = view;
+  rings(ringing);
+  EXPECT_TRUE(keyModeOf(ringing, NOW) == keyModeOf(view, NOW)) << "the question takes the keys all the same";
 }
 
 TEST(HeadunitStrip, TakesNoClickWhileACallRings) {

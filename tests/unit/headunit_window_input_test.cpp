@@ -14,7 +14,11 @@ using testing::SizeIs;
 
 /// What the strip's keys have been told.
 struct Keys : ClusterKeyListener {
-  void clusterKey(ClusterKey key) override { pressed.push_back(key); }
+  void clusterKey(ClusterKey key) override {
+    pressed.push_back(key);
+    heard(key);
+  }
+  std::function<void(ClusterKey)> heard = [](ClusterKey) {};
   std::vector<ClusterKey> pressed;
 };
 
@@ -26,7 +30,8 @@ struct HeadunitWindowInput : test::ServiceTest {
   ControlTotals totals;
   Keys strip;
   ClusterKeys clusterKeys;
-  WindowInput hands{&controls, &clusterKeys};
+  Cluster cluster;
+  WindowInput hands{&controls, &clusterKeys, &cluster};
   WindowView view{{{800, 480}, {0, 0}, {1000, 480}}, {{1300, 480}, {0, 0, 1000, 480}, {1000, 0, 300, 480}}};
   std::vector<StripTarget> targets;
 
@@ -72,8 +77,9 @@ struct HeadunitWindowInput : test::ServiceTest {
     event.tfinger.y = y;
     hands.handle(event, view, targets);
   }
-  void key(bool down, SDL_Keycode code, Uint16 modifiers = 0) {
+  void key(bool down, SDL_Keycode code, Uint16 modifiers = 0, bool isRepeated = false) {
     SDL_Event event{};
+    event.key.repeat = isRepeated ? 1 : 0;
     event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
     event.key.keysym.sym = code;
     event.key.keysym.mod = modifiers;
@@ -194,6 +200,45 @@ TEST_F(HeadunitWindowInput, ClicksCountInTheRenderersPixels) {
   view.scale = 2;
   button(true, 550, 50);
   EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::back));
+}
+
+TEST_F(HeadunitWindowInput, AClickAnswersNoQuestionThatCameAfterTheDrawing) {
+  targets = {{{0, 0, 300, 480}, {ClusterKey::enter}, keyModeOf(cluster.view(), Clock::now())}};
+  cluster.change([](ClusterView& now) { now.pairing = PairingView{"02:00:00:00:00:01", "", ""}; });
+  button(true, 1010, 20);
+  finger(SDL_FINGERDOWN, 5, 0.99F, 0.5F);
+  EXPECT_THAT(strip.pressed, IsEmpty());
+  targets[0].mode = keyModeOf(cluster.view(), Clock::now());
+  button(true, 1010, 20);
+  EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::enter)) << "now it has been drawn";
+}
+
+TEST_F(HeadunitWindowInput, AClickOnAnEntryAnswersNoCallThatComesOnItsWay) {
+  cluster.change([](ClusterView& now) { now.browser.open = true; });
+  targets = {{{0, 0, 300, 480},
+              {ClusterKey::down, ClusterKey::down, ClusterKey::enter},
+              keyModeOf(cluster.view(), Clock::now())}};
+  int calls = 0;
+  strip.heard = [&](ClusterKey key) {
+    cluster.change([&](ClusterView& now) {
+      now.browser.selected += key == ClusterKey::down ? 1 : 0;
+      if (calls > 0) now.phone.calls = {{PhoneStatus_State_INCOMING, "1", "Ada", 0, nullptr}};
+    });
+  };
+  button(true, 1010, 20);
+  EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::down, ClusterKey::down, ClusterKey::enter));
+  strip.pressed.clear();
+  targets[0].mode = keyModeOf(cluster.view(), Clock::now());
+  calls = 1;
+  button(true, 1010, 20);
+  EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::down)) << "then it rings";
+}
+
+TEST_F(HeadunitWindowInput, AKeyOfTheStripThatIsHeldIsPressedOnce) {
+  key(true, SDLK_RETURN, KMOD_LALT);
+  key(true, SDLK_RETURN, KMOD_LALT, true);
+  EXPECT_THAT(strip.pressed, ElementsAre(ClusterKey::enter));
+  EXPECT_THAT(sent(), IsEmpty()) << "nor is it the phone's";
 }
 
 TEST_F(HeadunitWindowInput, AltMakesArrowsTheStripsOwn) {

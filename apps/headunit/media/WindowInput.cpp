@@ -87,20 +87,30 @@ void WindowInput::clickStrip(Point place, const WindowView& view, const std::vec
   if (!contains(strip, place)) return;
   const Point inStrip{place.x - strip.x, place.y - strip.y};
   for (const StripTarget& target : targets) {
-    if (!contains(target.place, inStrip)) continue;
-    for (const ClusterKey key : target.keys) clusterKeys_->press(key);
-    return;
+    if (contains(target.place, inStrip)) return press(target);
+  }
+}
+
+// Before each key, for what it does may have changed since the one before, too.
+void WindowInput::press(const StripTarget& target) {
+  KeyMode expected = target.mode;
+  for (const ClusterKey key : target.keys) {
+    if (!(keyModeOf(cluster_->view(), Clock::now()) == expected)) return;
+    clusterKeys_->press(key);
+    expected.moveBy(key);
   }
 }
 
 void WindowInput::onKey(const SDL_Event& event) {
   const SDL_Keysym& key = event.key.keysym;
   const bool down = event.type == SDL_KEYDOWN;
+  const bool isRepeated = down && event.key.repeat != 0;
   if (const std::optional<ClusterKey> own = clusterKeyOf(key.sym, (key.mod & KMOD_ALT) != 0)) {
-    if (down) return clusterKeys_->press(*own);
+    // A key that is held must not answer the question that comes up meanwhile.
+    if (down && !isRepeated) clusterKeys_->press(*own);
+    if (down) return;
   }
   const std::optional<unsigned int> code = keyCodeOf(key.sym);
-  const bool isRepeated = down && event.key.repeat != 0;
   if (!code || isRepeated) return;
   const unsigned int modifiers = modifiersOf(key.mod);
   send(down ? keys_.press(*code, modifiers, Clock::now()) : keys_.release(*code, modifiers));

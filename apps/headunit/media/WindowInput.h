@@ -23,8 +23,9 @@ struct WindowView {
 /// for the phone what is done to its picture, and for the strip what is done there. Main thread.
 class WindowInput {
  public:
-  WindowInput(Controls* controls, ClusterKeys* clusterKeys)
-      : controls_(controls), clusterKeys_(clusterKeys) {}
+  /// `cluster`: what the strip shows.
+  WindowInput(Controls* controls, ClusterKeys* clusterKeys, const Cluster* cluster)
+      : controls_(controls), clusterKeys_(clusterKeys), cluster_(cluster) {}
 
   /// `targets`: of the strip, as it is drawn now.
   void handle(const SDL_Event& event, const WindowView& view, const std::vector<StripTarget>& targets = {});
@@ -38,11 +39,13 @@ class WindowInput {
   void onMouse(const SDL_Event& event, const WindowView& view, const std::vector<StripTarget>& targets);
   void onFinger(const SDL_Event& event, const WindowView& view, const std::vector<StripTarget>& targets);
   void onKey(const SDL_Event& event);
+  void press(const StripTarget& target);
   void clickStrip(Point place, const WindowView& view, const std::vector<StripTarget>& targets);
   void send(const std::vector<KeyAction>& actions);
 
   Controls* const controls_;
   ClusterKeys* const clusterKeys_;
+  const Cluster* const cluster_;
   KeyHolder keys_;
   bool mouseDown_ = false;
 };

@@ -78,8 +78,9 @@ StripDrawing drawStrip(const ClusterView& view, Size size, TimePoint now) {
     if (rings(view.phone)) targets.clear();
     if (view.pairing) drawPairing(&brush, whole, *view.pairing, &targets);
   }
+  const KeyMode mode = keyModeOf(view, now);
   for (Target& target : targets) {
-    drawing.targets.push_back({inPixels(target.place, scale), std::move(target.keys)});
+    drawing.targets.push_back({inPixels(target.place, scale), std::move(target.keys), mode});
   }
   return drawing;
 }

@@ -3,14 +3,16 @@
 #include <vector>
 
 #include "headunit/Cluster.h"
-#include "headunit/ClusterKeys.h"
+#include "headunit/KeyMode.h"
 
 namespace headunit {
 
-/// A place of the strip that does something when it is clicked: the keys that are then pressed, in order.
+/// A place of the strip that does something when it is clicked: the keys that are then pressed, in order, for
+/// as long as they mean what they meant when it was drawn.
 struct StripTarget {
   Rect place;
   std::vector<ClusterKey> keys;
+  KeyMode mode = {};
 };
 
 struct StripDrawing {

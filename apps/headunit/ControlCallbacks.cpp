@@ -2,12 +2,13 @@
 
 #include <spdlog/spdlog.h>
 
+#include "headunit/Printable.h"
+
 namespace headunit {
 
 void ControlCallbacks::serviceDiscoveryRequest(const std::string&, const std::string&, const std::string&,
                                                const std::string& labelText) {
-  spdlog::info("The phone calls itself '{}'.", labelText);
-  journal_->note([&](LinkNews& news) { news.phoneName = labelText; });
+  spdlog::info("The phone calls itself '{}'.", printable(labelText));
 }
 
 void ControlCallbacks::unrecoverableError() {
@@ -19,6 +20,7 @@ void ControlCallbacks::pingRequest(long long, bool) {}
 // Our pings carry the steady clock's microseconds.
 void ControlCallbacks::pingResponse(long long timestamp) {
   const auto now = std::chrono::duration_cast<microseconds>(Clock::now().time_since_epoch());
+  if (timestamp < 0 || timestamp > now.count()) return;  // none of ours
   stats_->pinged(now - microseconds(timestamp));
 }
 

@@ -13,7 +13,6 @@ namespace headunit {
 struct LinkNews {
   bool versionAccepted = false;
   std::optional<int> authentication;  ///< the handshake has ended, with this status
-  std::string phoneName;
   bool beyondRepair = false;  ///< IControllerCallbacks::unrecoverableError
   bool phoneSaidBye = false;  ///< and has been answered
   bool phoneAnsweredBye = false;

@@ -21,6 +21,17 @@ namespace {
 
 constexpr int WRONG_USAGE = 1;
 
+/// Returns what `act` does, or 1 if it cannot go on, which is logged.
+template <class Act>
+int reportingFaults(const Act& act) {
+  try {
+    return act();
+  } catch (const std::exception& error) {
+    spdlog::critical("The head unit cannot go on: {}.", error.what());
+    return 1;
+  }
+}
+
 // No thread takes these signals by itself; they are read from a descriptor where there is time for them.
 FileDescriptor signalsToEndBy() {
   sigset_t signals;
@@ -44,11 +55,17 @@ int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
   });
   int status = 0;
   std::thread serving([&] {
-    status = server->run();
+    status = reportingFaults([server] { return server->run(); });
     car->slot()->close();
   });
-  screen->run();
+  // The thread has to be joined whatever happens here.
+  const int seen = reportingFaults([screen] {
+    screen->run();
+    return 0;
+  });
+  if (seen != 0) server->quit();
   serving.join();
+  if (seen != 0) return seen;
   car->finish();
   const bool statistics = server->writeStatistics();
   const bool drawn = !snapshot || snapshot->writeLast(screen->showsNow(), screen->margins());
@@ -88,10 +105,5 @@ int main(int argc, char** argv) {
   if (!options) return exitStatus;
   headunit::setUpLog(options->verbose);
   headunit::quietenFfmpeg();
-  try {
-    return headunit::run(*options);
-  } catch (const std::exception& error) {
-    spdlog::critical("The head unit cannot go on: {}.", error.what());
-    return 1;
-  }
+  return headunit::reportingFaults([&options] { return headunit::run(*options); });
 }

@@ -62,6 +62,14 @@ TEST_F(HeadunitCalls, CountsEachCallOnce) {
   EXPECT_EQ(tally.totals().phoneStates, 3U);
 }
 
+TEST_F(HeadunitCalls, TakesNoCallWhoseNumberIsTooLongToKeep) {
+  open(&phone);
+  call(PhoneStatus_State_INCOMING, std::string(5000, '1'), "Ada");
+  call(PhoneStatus_State_INCOMING, "1", std::string(5000, 'A'));
+  tells();
+  EXPECT_FALSE(phone.host().hasCall());
+}
+
 TEST_F(HeadunitCalls, ACallThatIsOverIsShownButIsNoCallAnyMore) {
   open(&phone);
   call(PhoneStatus_State_INACTIVE, "1", "Ada");

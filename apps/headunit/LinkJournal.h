@@ -13,8 +13,8 @@ namespace headunit {
 struct LinkNews {
   bool versionAccepted = false;
   std::optional<int> authentication;  ///< the handshake has ended, with this status
-  bool beyondRepair = false;  ///< IControllerCallbacks::unrecoverableError
-  bool phoneSaidBye = false;  ///< and has been answered
+  bool beyondRepair = false;          ///< IControllerCallbacks::unrecoverableError
+  bool phoneSaidBye = false;          ///< and has been answered
   bool phoneAnsweredBye = false;
   bool stopped = false;  ///< no bytes are transferred any more
 };

@@ -120,10 +120,11 @@ void refusesOnRadio(Probe& probe) {
   const std::uint8_t channel = probe.open(radio(probe));
   probe.expectRefused(channel, messageBytes(MESSAGE_RADIO_SCAN_REQUEST),
                       "a RadioScanRequest without a direction");
-  for (const std::uint16_t type :
+  for (const RadioMessageId type :
        {MESSAGE_RADIO_SCAN_COMPLETE_NOTIFICATION, MESSAGE_RADIO_STATION_INFO_NOTIFICATION,
         MESSAGE_RADIO_SET_STATION_RESPONSE}) {
-    probe.expectRefused(channel, messageBytes(type), "type " + hex(type) + ", which only a head unit sends");
+    probe.expectRefused(channel, messageBytes(static_cast<std::uint16_t>(type)),
+                        "type " + hex(type) + ", which only a head unit sends");
   }
   probe.expectRefused(channel, messageBytes(0x8007), "an unknown type");
   probe.close(channel);

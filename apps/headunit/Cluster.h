@@ -85,9 +85,7 @@ struct TunerView {
 };
 
 struct NoticeView {
-  std::string id;  ///< empty: the phone wants no acknowledgement
   std::string text;
-  Image icon;
   TimePoint until;  ///< it is shown so long
 };
 

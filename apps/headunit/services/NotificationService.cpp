@@ -34,23 +34,12 @@ void NotificationService::subscriptionChanged(bool subscribed) {
   if (status == STATUS_SUCCESS) context_.tally->count(&ServiceTotals::notificationsSent);
 }
 
-// Of an icon whose length is not told no byte may be read: it stays away.
-void NotificationService::notification(const std::string& text, bool hasId, const std::string& id,
-                                       bool hasIcon, unsigned char* icon, unsigned int iconLength) {
-  const std::string bytes = hasIcon ? std::string(icon, icon + iconLength) : std::string();
-  NoticeView notice;
-  notice.id = hasId ? id : "";
-  notice.text = forScreen(text);
-  notice.icon = context_.images->known(bytes);
-  notice.until = context_.now() + SHOWN_FOR;
-  const Newest::Ticket ticket = newestNotice_.next();
+// A received icon's length is not told, so no byte of it may be read.
+void NotificationService::notification(const std::string& text, bool hasId, const std::string& id, bool,
+                                       unsigned char*, unsigned int) {
+  const NoticeView notice{forScreen(text), context_.now() + SHOWN_FOR};
   context_.cluster->change([&notice](ClusterView& view) { view.notice = notice; });
   context_.tally->count(&ServiceTotals::notificationsShown);
-  if (!notice.icon) {
-    context_.images->load(bytes, ticket, [](ClusterView& view, const Image& image) {
-      if (view.notice) view.notice->icon = image;
-    });
-  }
   if (hasId) endpoint_->ackNotification(id);
 }
 

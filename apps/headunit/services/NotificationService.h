@@ -6,8 +6,8 @@
 
 namespace headunit {
 
-/// Shows the phone's notifications for a few seconds each, the newest at a time, and acknowledges what has
-/// been shown. A phone that wants the head unit's own is greeted by one.
+/// Shows the texts of the phone's notifications for a few seconds each, the newest at a time, and
+/// acknowledges what has been shown. A phone that wants the head unit's own is greeted by one.
 class NotificationService : public INotificationCallbacks {
  public:
   using Interface = INotificationCallbacks;
@@ -28,7 +28,6 @@ class NotificationService : public INotificationCallbacks {
  private:
   const ServiceContext context_;
   NotificationEndpoint* endpoint_ = nullptr;
-  Newest newestNotice_;
   bool greeted_ = false;  // reader thread
 };
 

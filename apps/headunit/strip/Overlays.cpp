@@ -38,12 +38,8 @@ void drawToast(Brush* brush, const Box& strip, const NoticeView& notice, Targets
   targets->push_back({box, {ClusterKey::back}});
   box = box.inset(10);
   const Box icon = box.takeLeft(box.height);
-  if (notice.icon) {
-    brush->imageCovering(*notice.icon, icon, 8);
-  } else {
-    brush->fill(icon, TRACK, 8);
-    drawBell(brush, icon, INK);
-  }
+  brush->fill(icon, TRACK, 8);
+  drawBell(brush, icon, INK);
   box.takeLeft(12);
   const Type words{13, INK};
   const double height = brush->widthOf(notice.text, words) > box.width ? 34 : 18;

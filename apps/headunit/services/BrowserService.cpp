@@ -205,8 +205,12 @@ void BrowserService::fill(BrowserView* shown, Page* page) {
 }
 
 void BrowserService::show(Page page) {
-  for (std::size_t i = 0; i < page.pictures.size(); ++i)
-    page.view.entries[i].image = context_.images->known(page.pictures[i]);
+  LateImages images(context_.images);
+  for (std::size_t i = 0; i < page.pictures.size(); ++i) {
+    page.view.entries[i].image = images.take(page.pictures[i], [i](ClusterView& view, const Image& image) {
+      view.browser.entries[i].image = image;
+    });
+  }
   bool awaited = false;
   std::optional<Newest::Ticket> ticket;
   std::optional<Request> onwards;
@@ -223,29 +227,22 @@ void BrowserService::show(Page page) {
   });
   if (!awaited) return;
   context_.tally->count(&ServiceTotals::browserPages);
-  for (std::size_t i = 0; i < page.pictures.size(); ++i) {
-    if (page.view.entries[i].image) continue;
-    context_.images->load(page.pictures[i], *ticket, [i](ClusterView& view, const Image& image) {
-      view.browser.entries[i].image = image;
-    });
-  }
+  images.follow(*ticket);
   send(onwards);
 }
 
 void BrowserService::mediaSongNode(const MediaSongNodeStruct& node) {
-  const auto find = [path = node.song.path](BrowserView& page) -> BrowserView::Entry* {
-    const auto found = std::find_if(page.entries.begin(), page.entries.end(),
+  const auto show = [path = node.song.path](ClusterView& view, const Image& image) {
+    std::vector<BrowserView::Entry>& entries = view.browser.entries;
+    const auto found = std::find_if(entries.begin(), entries.end(),
                                     [&path](const BrowserView::Entry& entry) { return entry.path == path; });
-    return found == page.entries.end() ? nullptr : &*found;
+    if (found != entries.end()) found->image = image;
   };
-  const Image picture = context_.images->known(node.albumArt);
-  context_.cluster->change([&](ClusterView& view) {
-    if (BrowserView::Entry* const entry = find(view.browser)) entry->image = picture;
-  });
-  if (picture) return;
-  context_.images->load(node.albumArt, newestSong_.next(), [find](ClusterView& view, const Image& image) {
-    if (BrowserView::Entry* const entry = find(view.browser)) entry->image = image;
-  });
+  LateImages images(context_.images);
+  const Image picture = images.take(node.albumArt, show);
+  const Newest::Ticket ticket = newestSong_.next();
+  context_.cluster->change([&](ClusterView& view) { show(view, picture); });
+  images.follow(ticket);
 }
 
 }  // namespace headunit

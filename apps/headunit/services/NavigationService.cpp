@@ -51,12 +51,11 @@ void NavigationService::navigationNextTurn(const std::string& road, int turnSide
   turn.event = event;
   turn.angle = turnAngle;
   turn.number = turnNumber;
-  turn.image = context_.images->known(image);
+  LateImages images(context_.images);
+  turn.image = images.take(image, [](ClusterView& view, const Image& shown) { view.turn.image = shown; });
   const Newest::Ticket ticket = newestTurn_.next();
   context_.cluster->change([&turn](ClusterView& view) { view.turn = turn; });
-  if (turn.image) return;
-  context_.images->load(image, ticket,
-                        [](ClusterView& view, const Image& shown) { view.turn.image = shown; });
+  images.follow(ticket);
 }
 
 void NavigationService::navigationNextTurnDistance(int distanceMeters, int timeToTurnSeconds) {

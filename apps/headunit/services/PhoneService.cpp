@@ -17,13 +17,12 @@ bool isTooLong(const PhoneCallStruct& call) {
   return call.callerNumber.size() > LONGEST_NAME || call.callerId.size() > LONGEST_NAME;
 }
 
-CallView viewOf(const PhoneCallStruct& call, const ImageLoader& images) {
+CallView viewOf(const PhoneCallStruct& call) {
   CallView view;
   view.state = call.phoneState;
   view.number = forScreen(call.callerNumber);
   view.caller = forScreen(call.callerId);
   view.seconds = call.callDurationSeconds;
-  view.portrait = images.known(call.callerThumbnail);
   return view;
 }
 
@@ -83,15 +82,16 @@ void PhoneService::phoneStatus(const PhoneStatusStruct& status) {
   PhoneView phone;
   phone.known = true;
   phone.signal = status.signalStrength;
-  for (std::size_t i = 0; i < count; ++i) phone.calls.push_back(viewOf(calls[i], *context_.images));
+  LateImages images(context_.images);
+  for (std::size_t i = 0; i < count; ++i) {
+    phone.calls.push_back(viewOf(calls[i]));
+    phone.calls[i].portrait =
+        images.take(calls[i].callerThumbnail,
+                    [i](ClusterView& view, const Image& image) { view.phone.calls[i].portrait = image; });
+  }
   const Newest::Ticket ticket = newestState_.next();
   context_.cluster->change([&phone](ClusterView& view) { view.phone = phone; });
-  for (std::size_t i = 0; i < count; ++i) {
-    if (phone.calls[i].portrait) continue;
-    context_.images->load(calls[i].callerThumbnail, ticket, [i](ClusterView& view, const Image& image) {
-      view.phone.calls[i].portrait = image;
-    });
-  }
+  images.follow(ticket);
 }
 
 }  // namespace headunit

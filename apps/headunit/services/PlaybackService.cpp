@@ -28,7 +28,9 @@ void PlaybackService::mediaPlaybackStatus(MediaPlaybackStatusStruct status) {
 
 void PlaybackService::mediaPlaybackMetadata(MediaPlaybackMetadataStruct metadata) {
   context_.tally->count(&ServiceTotals::songs);
-  const Image cover = context_.images->known(metadata.albumArt);
+  LateImages images(context_.images);
+  const Image cover =
+      images.take(metadata.albumArt, [](ClusterView& view, const Image& image) { view.media.cover = image; });
   const Newest::Ticket ticket = newestSong_.next();
   context_.cluster->change([&](ClusterView& view) {
     PlayingView& media = view.media;
@@ -40,9 +42,7 @@ void PlaybackService::mediaPlaybackMetadata(MediaPlaybackMetadataStruct metadata
     media.durationSeconds = metadata.durationSeconds;
     media.cover = cover;
   });
-  if (cover) return;
-  context_.images->load(metadata.albumArt, ticket,
-                        [](ClusterView& view, const Image& image) { view.media.cover = image; });
+  images.follow(ticket);
 }
 
 }  // namespace headunit

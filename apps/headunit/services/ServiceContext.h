@@ -6,7 +6,7 @@
 
 #include "headunit/Clock.h"
 #include "headunit/Cluster.h"
-#include "headunit/services/ImageLoader.h"
+#include "headunit/services/LateImages.h"
 #include "headunit/services/ServiceTotals.h"
 
 namespace headunit {

@@ -1,6 +1,6 @@
 #include "headunit/Printable.h"
 
-#include "headunit/services/ServiceContext.h"
+#include "headunit/Shortened.h"
 
 namespace headunit {
 namespace {
@@ -15,7 +15,7 @@ bool isLongControl(unsigned char lead, unsigned char next) {
 }  // namespace
 
 std::string printable(const std::string& words) {
-  const std::string start = forScreen(words);
+  const std::string start = shortened(words);
   std::string text;
   unsigned char before = 0;
   for (const char character : start) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "headunit/Shortened.h"
+
 namespace headunit {
 namespace {
 
@@ -149,7 +151,7 @@ BrowserService::Page::Page(Level pageLevel, const std::string& pagePath, const s
   level = pageLevel;
   // Only a root can be shown that is not found by its path, and the empty path stands for it as well.
   if (pageLevel != Level::root || pagePath.size() <= LONGEST_PATH) view.path = pagePath;
-  view.title = forScreen(pageTitle);
+  view.title = shortened(pageTitle);
   view.start = static_cast<unsigned int>(std::max(first, 0));
   view.total = static_cast<unsigned int>(std::max(all, 0));
 }
@@ -157,7 +159,7 @@ BrowserService::Page::Page(Level pageLevel, const std::string& pagePath, const s
 void BrowserService::Page::add(const std::string& path, const std::string& name, const std::string& detail,
                                const std::string& picture) {
   if (view.entries.size() >= MOST_ENTRIES || path.size() > LONGEST_PATH) return;
-  view.entries.push_back({path, forScreen(name), forScreen(detail), nullptr});
+  view.entries.push_back({path, shortened(name), shortened(detail), nullptr});
   pictures.push_back(picture);
 }
 

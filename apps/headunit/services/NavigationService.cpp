@@ -2,6 +2,8 @@
 
 #include <spdlog/spdlog.h>
 
+#include "headunit/Shortened.h"
+
 namespace headunit {
 namespace {
 
@@ -46,7 +48,7 @@ void NavigationService::navigationNextTurn(const std::string& road, int turnSide
   context_.tally->count(&ServiceTotals::turns);
   TurnView turn;
   turn.guiding = true;
-  turn.road = forScreen(road);
+  turn.road = shortened(road);
   turn.side = turnSide;
   turn.event = event;
   turn.angle = turnAngle;

@@ -2,6 +2,7 @@
 
 #include <spdlog/spdlog.h>
 
+#include "headunit/Shortened.h"
 #include "headunit/services/GreetingIcon.h"
 
 namespace headunit {
@@ -37,7 +38,7 @@ void NotificationService::subscriptionChanged(bool subscribed) {
 // A received icon's length is not told, so no byte of it may be read.
 void NotificationService::notification(const std::string& text, bool hasId, const std::string& id, bool,
                                        unsigned char*, unsigned int) {
-  const NoticeView notice{forScreen(text), context_.now() + SHOWN_FOR};
+  const NoticeView notice{shortened(text), context_.now() + SHOWN_FOR};
   context_.cluster->change([&notice](ClusterView& view) { view.notice = notice; });
   context_.tally->count(&ServiceTotals::notificationsShown);
   if (hasId) endpoint_->ackNotification(id);

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "headunit/Calls.h"
+#include "headunit/Shortened.h"
 
 namespace headunit {
 namespace {
@@ -20,8 +21,8 @@ bool isTooLong(const PhoneCallStruct& call) {
 CallView viewOf(const PhoneCallStruct& call) {
   CallView view;
   view.state = call.phoneState;
-  view.number = forScreen(call.callerNumber);
-  view.caller = forScreen(call.callerId);
+  view.number = shortened(call.callerNumber);
+  view.caller = shortened(call.callerId);
   view.seconds = call.callDurationSeconds;
   return view;
 }

@@ -1,5 +1,7 @@
 #include "headunit/services/PlaybackService.h"
 
+#include "headunit/Shortened.h"
+
 namespace headunit {
 
 void PlaybackService::closed() {
@@ -18,7 +20,7 @@ void PlaybackService::mediaPlaybackStatus(MediaPlaybackStatusStruct status) {
     PlayingView& media = view.media;
     media.known = true;
     media.playing = status.state == MediaPlaybackStatus_State_PLAYING;
-    media.source = forScreen(status.mediaSource);
+    media.source = shortened(status.mediaSource);
     media.positionSeconds = status.playbackSeconds;
     media.shuffle = status.shuffle;
     media.repeat = status.repeat;
@@ -35,10 +37,10 @@ void PlaybackService::mediaPlaybackMetadata(MediaPlaybackMetadataStruct metadata
   context_.cluster->change([&](ClusterView& view) {
     PlayingView& media = view.media;
     media.known = true;
-    media.song = forScreen(metadata.song);
-    media.artist = forScreen(metadata.artist);
-    media.album = forScreen(metadata.album);
-    media.playlist = forScreen(metadata.playlist);
+    media.song = shortened(metadata.song);
+    media.artist = shortened(metadata.artist);
+    media.album = shortened(metadata.album);
+    media.playlist = shortened(metadata.playlist);
     media.durationSeconds = metadata.durationSeconds;
     media.cover = cover;
   });

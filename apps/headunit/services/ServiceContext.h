@@ -20,8 +20,4 @@ struct ServiceContext {
   std::function<TimePoint()> now = Clock::now;
 };
 
-/// A phone's text as it goes into the view: a screen has no use for more, and laying out megabytes takes
-/// seconds.
-std::string forScreen(const std::string& text);
-
 }  // namespace headunit

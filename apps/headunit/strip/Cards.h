@@ -8,7 +8,8 @@
 
 namespace headunit::strip {
 
-/// A place that does something when it is clicked: the keys that are then pressed.
+/// What becomes a StripTarget once the whole strip is drawn: still in the strip's own units, and without a
+/// word on what its keys mean, which no single part knows.
 struct Target {
   Box place;
   std::vector<ClusterKey> keys;

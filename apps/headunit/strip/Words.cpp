@@ -2,15 +2,14 @@
 
 #include <glib.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <memory>
 
+#include "headunit/Shortened.h"
+
 namespace headunit::strip {
 namespace {
-
-constexpr std::size_t LONGEST = 400;
 
 using Owned = std::unique_ptr<gchar, decltype(&g_free)>;
 
@@ -35,14 +34,14 @@ bool isBreak(gunichar character) {
 }  // namespace
 
 std::string drawable(const std::string& bytes) {
-  const std::size_t taken = std::min(bytes.size(), LONGEST);
-  const Owned valid(g_utf8_make_valid(bytes.data(), static_cast<gssize>(taken)), &g_free);
+  const std::string part = shortened(bytes);
+  const Owned valid(g_utf8_make_valid(part.data(), static_cast<gssize>(part.size())), &g_free);
   std::string text;
   for (const gchar* at = valid.get(); *at != '\0'; at = g_utf8_next_char(at)) {
     const gunichar character = g_utf8_get_char(at);
     text += isBreak(character) ? " " : encoded(character);
   }
-  return taken < bytes.size() ? text + "\u2026" : text;
+  return text;
 }
 
 std::string distanceWords(int meters) {

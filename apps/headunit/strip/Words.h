@@ -4,8 +4,7 @@
 
 namespace headunit::strip {
 
-/// Any bytes that a phone may send, as text that can be drawn: valid UTF-8 of one line, and not longer than
-/// anybody could read.
+/// Any bytes that a phone may send, as text that can be drawn: valid UTF-8 of one line, `shortened`.
 std::string drawable(const std::string& bytes);
 
 std::string distanceWords(int meters);

@@ -156,16 +156,7 @@ void Server::settle(LinkRecord record) {
   if (const std::string services = inWords(record.services); !services.empty()) {
     spdlog::info("Its services brought: {}.", services);
   }
-  lastLink_ = std::move(record);
-  writeStatistics();
-  afterLink_();
-}
-
-bool Server::writeStatistics() const {
-  std::string error;
-  if (options_.stats.empty() || !lastLink_ || writeReport(*lastLink_, options_.stats, &error)) return true;
-  spdlog::error("{}.", error);
-  return false;
+  afterLink_(std::move(record));
 }
 
 void Server::waitUntil(std::optional<TimePoint> deadline, int descriptor) {

@@ -18,21 +18,14 @@ class Server {
   /// `signals`: a signalfd, or any descriptor that becomes readable when the program is to end.
   Server(const Options& options, const Equipment& equipment, int signals);
 
-  /// Called after each link, on run's thread.
-  void afterLink(std::function<void()> call) { afterLink_ = std::move(call); }
+  /// Called with what is known of each link after it, on run's thread.
+  void afterLink(std::function<void(LinkRecord)> call) { afterLink_ = std::move(call); }
 
   /// Returns the program's exit status.
   int run();
 
   /// Any thread: says good-bye to the phone and ends run.
   void quit();
-
-  /// After run: the last link, if there was one.
-  const std::optional<LinkRecord>& lastLink() const { return lastLink_; }
-
-  /// Writes the statistics of the last link where the user wants them. False on failure, which has been
-  /// logged.
-  bool writeStatistics() const;
 
  private:
   bool listen();
@@ -49,14 +42,13 @@ class Server {
   const Options& options_;
   const Equipment& equipment_;
   const int signals_;
-  std::function<void()> afterLink_ = [] {};
+  std::function<void(LinkRecord)> afterLink_ = [](LinkRecord) {};
   WakeEvent wake_;
   std::atomic<bool> quitting_{false};
   Progress progress_;
   FileDescriptor listener_;
   bool everConnected_ = false;
   int status_ = 0;
-  std::optional<LinkRecord> lastLink_;
 };
 
 }  // namespace headunit

@@ -3,15 +3,14 @@
 #include <sys/signalfd.h>
 
 #include <exception>
-#include <memory>
 #include <thread>
 
 #include "headunit/Options.h"
 #include "headunit/Screen.h"
 #include "headunit/Server.h"
 #include "headunit/media/FfmpegDecoder.h"
+#include "headunit/media/Results.h"
 #include "headunit/media/ScreenImage.h"
-#include "headunit/media/Snapshot.h"
 #include "headunit/media/Window.h"
 #include "headunit/program/Car.h"
 #include "headunit/program/HostLog.h"
@@ -46,13 +45,9 @@ FileDescriptor signalsToEndBy() {
 int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
   const Screenshots camera(screen);
   if (options.verification) car->allowVerification(&camera);
-  const auto snapshot = options.snapshot.empty() ? nullptr : std::make_shared<Snapshot>(options.snapshot);
-  server->afterLink([=] {
-    if (!snapshot) return;
-    car->slowWork()->post([snapshot, shown = screen->showsNow(), margins = screen->margins()] {
-      snapshot->write(shown, margins);
-    });
-  });
+  Results results({options.stats, options.snapshot}, screen,
+                  [car](std::function<void()> work) { car->slowWork()->post(std::move(work)); });
+  server->afterLink([&results](LinkRecord record) { results.afterLink(std::move(record)); });
   int status = 0;
   std::thread serving([&] {
     status = reportingFaults([server] { return server->run(); });
@@ -67,9 +62,7 @@ int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
   serving.join();
   if (seen != 0) return seen;
   car->finish();
-  const bool statistics = server->writeStatistics();
-  const bool drawn = !snapshot || snapshot->writeLast(screen->showsNow(), screen->margins());
-  return status == 0 && !(statistics && drawn) ? WRONG_USAGE : status;
+  return !results.atEnd() && status == 0 ? WRONG_USAGE : status;
 }
 
 int run(const Options& options) {

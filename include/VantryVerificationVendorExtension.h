@@ -5,7 +5,8 @@
 
 /// The vendor extension through which a test application on the phone drives the head unit. Construct it with
 /// a VantryVerificationVendorExtensionCallbackRouter to receive its messages as records; answers go out by
-/// `sendData`, two type bytes and a serialized record, all by the host's hand.
+/// `sendData`, two type bytes and a serialized record, all by the host's hand. Of long ones, as a screen
+/// capture is, see ProtocolEndpointBase: a lock around the answers does not keep the link's refusals out.
 class VANTRY_EXPORT VantryVerificationVendorExtension : public VendorExtension {
  public:
   /// As VendorExtension's.

@@ -9,7 +9,7 @@ enum FrameFlag : unsigned char {
   FRAME_FLAG_FIRST = 0x01,      ///< the frame begins a message
   FRAME_FLAG_LAST = 0x02,       ///< the frame ends a message
   FRAME_FLAG_CONTROL = 0x04,    ///< opens or closes the channel; goes to the router, not to an endpoint
-  FRAME_FLAG_ENCRYPTED = 0x08,  ///< the payload is whole TLS records
+  FRAME_FLAG_ENCRYPTED = 0x08,  ///< the payload is whole TLS records once the handshake is done, plain before
 };
 
 /// The largest plain payload that goes into one frame; longer messages are cut into fragments of this size.

@@ -8,7 +8,8 @@ class VANTRY_EXPORT WorkItem {
  public:
   virtual ~WorkItem() = default;
 
-  /// The work. Called at most once by the queue, on one of its threads, with no lock held: it may queue
-  /// further work, but must not shut its own queue down.
+  /// The work. Called at most once for each time that it is queued, on one of the queue's threads, with no
+  /// lock held: it may queue further work, but must not shut its own queue down. Queued twice, it may run on
+  /// two threads at once.
   virtual void run() = 0;
 };

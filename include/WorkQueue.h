@@ -42,9 +42,9 @@ class VANTRY_EXPORT WorkQueue {
   /// object if there is none: the queue stops, or a signal ended the wait. The pool's threads call this.
   shared_ptr<WorkItem> dequeueWork();
 
-  /// The owner, once, after `start`: lets the items that now run finish, runs no further one, and returns
-  /// when all threads have ended. Not to be called by an item of this queue. Items that still wait stay until
-  /// the destructor.
+  /// The owner, once, after `start`: lets the items that run, or are just being taken, finish; when it
+  /// returns, all threads have ended, none runs and none will. Not to be called by an item of this queue.
+  /// Items that still wait stay until the destructor.
   void shutdown();
 
   /// Any thread: whether `shutdown` has been called. A long item may look, and end early.

@@ -31,8 +31,7 @@ void logParseFailure(const char* file, int line);
 /// The same; false also if a required field is missing, at any depth.
 [[nodiscard]] bool parseRecord(const void* body, unsigned int size, google::protobuf::MessageLite* record);
 
-/// Whether `size`, which counts the type in, is at least `least`; logs with the caller's file and line if
-/// not.
+/// Whether `size` is at least `least`; logs with the caller's file and line if not.
 [[nodiscard]] inline bool isLongEnough(unsigned int size, unsigned int least,
                                        const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
   if (size >= least) return true;

@@ -13,11 +13,12 @@
 template <class Record, class... Kinds>
 constexpr bool isOneOf = (std::is_same<Record, Kinds>::value || ...);
 
-/// Of the records that the phone sends, those without others inside.
+/// Of the records that the phone sends, and the AuthResponse, which a phone reads by the same rule, those
+/// without others inside.
 template <class Record>
 constexpr bool holdsNoRecords =
-    isOneOf<Record, ChannelOpenRequest, ChannelCloseNotification, ServiceDiscoveryRequest, PingRequest,
-            PingResponse, ByeByeRequest, ByeByeResponse, NavFocusRequestNotification,
+    isOneOf<Record, AuthResponse, ChannelOpenRequest, ChannelCloseNotification, ServiceDiscoveryRequest,
+            PingRequest, PingResponse, ByeByeRequest, ByeByeResponse, NavFocusRequestNotification,
             VoiceSessionNotification> ||
     isOneOf<Record, Setup, Start, Stop, Ack, MicrophoneRequest, VideoFocusRequestNotification, SensorRequest,
             KeyBindingRequest, BluetoothPairingRequest, RadioScanRequest, RadioStationInfoRequest,

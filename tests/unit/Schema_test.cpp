@@ -51,6 +51,7 @@ TEST_F(SchemaTest, RecordsWithoutFieldsAreBodiesOfNoBytes) {
 TEST_F(SchemaTest, ASkippedFieldIsForgotten) {
   const auto unknown = receive<PingResponse>("08 00 10 05");
   EXPECT_EQ(written(unknown), bytes("08 00"));
+  EXPECT_EQ(written(receive<AuthResponse>("08 00 10 05")), bytes("08 00"));
   const auto wrongWireType = receive<NavFocusRequestNotification>("0A 01 41");
   EXPECT_FALSE(wrongWireType.has_focus_type());
   EXPECT_EQ(written(wrongWireType), Bytes());

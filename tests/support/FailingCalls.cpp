@@ -6,6 +6,7 @@
 #include <openssl/ssl.h>
 #include <openssl/x509.h>
 #include <pthread.h>
+#include <sched.h>
 #include <semaphore.h>
 
 #include <atomic>
@@ -23,12 +24,16 @@ std::atomic<const char*> watched{nullptr};  // none: nothing fails
 std::atomic<int> failure;
 std::atomic<int> count;
 std::atomic<unsigned long long> latest;
-std::atomic<const std::function<void()>*> eventAtPost{nullptr};
+std::atomic<const EventAt*> armed{nullptr};
+
+bool isWatched(const char* name) {
+  const char* const now = watched;
+  return now != nullptr && strcmp(now, name) == 0;
+}
 
 /// Whether this call of `name`, which is about `number`, is to fail.
 bool failsNow(const char* name, unsigned long long number = 0) {
-  const char* const now = watched;
-  if (now == nullptr || strcmp(now, name) != 0) return false;
+  if (!isWatched(name)) return false;
   latest = number;
   return ++count == failure || failure == FailingCall::EVERY;
 }
@@ -49,6 +54,8 @@ FailingCall::FailingCall(const char* name, int which) {
                                                 "BIO_set_ssl_renegotiate_timeout",
                                                 "X509_STORE_new",
                                                 "CONF_modules_unload",
+                                                "pthread_setschedparam",
+                                                "sched_yield",
                                                 "sem_post",
                                                 "sem_wait"};
   if (detours.count(name) == 0) throw std::invalid_argument(name);
@@ -64,9 +71,23 @@ int FailingCall::calls() const { return count; }
 
 unsigned long long FailingCall::number() const { return latest; }
 
-EventAtPost::EventAtPost(std::function<void()> event) : happens(std::move(event)) { eventAtPost = &happens; }
+EventAt::EventAt(const char* call, std::function<void()> event, unsigned long long number)
+    : name(call), awaited(number), happens(std::move(event)) {
+  static const std::set<std::string> detours = {"sem_post", "sem_wait", "sched_yield", "pthread_mutex_lock",
+                                                "operator new"};
+  if (detours.count(name) == 0) throw std::invalid_argument(name);
+  armed = this;
+}
 
-EventAtPost::~EventAtPost() { eventAtPost = nullptr; }
+EventAt::~EventAt() { armed = nullptr; }
+
+void EventAt::reached(const char* call, unsigned long long number) {
+  const EventAt* now = armed;
+  if (now == nullptr || now->name != call) return;
+  if (now->awaited != ANY && now->awaited != number) return;
+  // Disarmed first: the event makes calls of its own.
+  if (armed.compare_exchange_strong(now, nullptr)) now->happens();
+}
 
 }  // namespace test
 
@@ -87,6 +108,7 @@ int __wrap_pthread_join(pthread_t thread, void** result) {
 
 int __real_sem_wait(sem_t*);
 int __wrap_sem_wait(sem_t* semaphore) {
+  test::EventAt::reached("sem_wait");
   int value = 0;
   sem_getvalue(semaphore, &value);
   if (!test::failsNow("sem_wait", static_cast<unsigned int>(value))) return __real_sem_wait(semaphore);
@@ -101,8 +123,35 @@ int __wrap_sem_post(sem_t* semaphore) {
     return -1;
   }
   const int result = __real_sem_post(semaphore);
-  if (const std::function<void()>* const event = test::eventAtPost.exchange(nullptr)) (*event)();
+  test::EventAt::reached("sem_post");
   return result;
+}
+
+int __real_sched_yield();
+int __wrap_sched_yield() {
+  test::EventAt::reached("sched_yield");
+  return test::failsNow("sched_yield") ? -1 : __real_sched_yield();
+}
+
+int __real_pthread_setschedparam(pthread_t, int, const sched_param*);
+int __wrap_pthread_setschedparam(pthread_t thread, int policy, const sched_param* parameters) {
+  if (!test::isWatched("pthread_setschedparam"))
+    return __real_pthread_setschedparam(thread, policy, parameters);
+  const auto number = static_cast<unsigned long long>(policy * 1000 + parameters->sched_priority);
+  return test::failsNow("pthread_setschedparam", number) ? EPERM : 0;
+}
+
+int __real_pthread_mutex_lock(pthread_mutex_t*);
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+  test::EventAt::reached("pthread_mutex_lock");
+  return __real_pthread_mutex_lock(mutex);
+}
+
+// operator new(std::size_t), as the compilers call it.
+void* __real__Znwm(std::size_t);
+void* __wrap__Znwm(std::size_t size) {
+  test::EventAt::reached("operator new", size);
+  return __real__Znwm(size);
 }
 
 int __real_RAND_status();

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <string>
+#include <utility>
 
 namespace test {
 
@@ -9,8 +11,9 @@ namespace test {
 /// the platform.
 ///     FailingCall failing("pthread_create", 2);   // the second call from now on, and no other
 /// It counts them as well, and with NEVER does nothing else; with EVERY none succeeds. A handshake that fails
-/// has taken its step all the same, and what it has to say waits: only the result is 0. Throws
-/// std::invalid_argument for a name that takes no detour.
+/// has taken its step all the same, and what it has to say waits: only the result is 0. A
+/// pthread_setschedparam that does not fail succeeds without effect, since few users have the right to it.
+/// Throws std::invalid_argument for a name that takes no detour.
 class FailingCall {
  public:
   static constexpr int NEVER = 0;
@@ -25,21 +28,37 @@ class FailingCall {
   int calls() const;
 
   /// The number that the latest call was about: for sem_wait the semaphore's count as it was before, for
-  /// SSL_CTX_set_options the options, for BIO_set_ssl_renegotiate_timeout the seconds.
+  /// SSL_CTX_set_options the options, for BIO_set_ssl_renegotiate_timeout the seconds, for
+  /// pthread_setschedparam the policy times 1000 and the priority.
   unsigned long long number() const;
 };
 
-/// Does something in the midst of an operation that queues, for which another thread would have to be lucky:
-/// the next sem_post, on whichever thread, runs `event` once it has posted. The latest one counts.
-class EventAtPost {
+/// Does something in the midst of an operation, for which another thread would have to be lucky: the next
+/// `call` that is about `number`, on whichever thread, runs `event`. sem_post runs it once it has posted; the
+/// others, sem_wait, sched_yield, pthread_mutex_lock and "operator new" (about that many bytes), before
+/// anything else. The latest one counts. To be destroyed when no other thread is at such a call any more.
+/// Throws std::invalid_argument for a call that takes no detour.
+class EventAt {
  public:
-  explicit EventAtPost(std::function<void()> event);
-  ~EventAtPost();
-  EventAtPost(const EventAtPost&) = delete;
-  EventAtPost& operator=(const EventAtPost&) = delete;
+  static constexpr unsigned long long ANY = ~0ULL;
+
+  EventAt(const char* call, std::function<void()> event, unsigned long long number = ANY);
+  ~EventAt();
+  EventAt(const EventAt&) = delete;
+  EventAt& operator=(const EventAt&) = delete;
+
+  /// For the detours: `call` is being made. Runs the event that waits for it, if there is one, once.
+  static void reached(const char* call, unsigned long long number = ANY);
 
  private:
+  const std::string name;
+  const unsigned long long awaited;
   const std::function<void()> happens;
+};
+
+/// The same in the midst of an operation that queues.
+struct EventAtPost : EventAt {
+  explicit EventAtPost(std::function<void()> event) : EventAt("sem_post", std::move(event)) {}
 };
 
 }  // namespace test

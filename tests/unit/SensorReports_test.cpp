@@ -1,5 +1,6 @@
 #include <functional>
 
+#include "FailingCalls.h"
 #include "SensorTest.h"
 
 // What each report makes of its arguments on the wire, live and parked.
@@ -338,6 +339,36 @@ TEST_F(SensorValuesTest, HoldNoSatelliteIfFewerThanOneIsInView) {
   sensors.reportGpsSatelliteData(0, true, -1, numbers, numbers, used, numbers, numbers);
   EXPECT_THAT(sent(), ElementsAre(batch(bytes("AA 01 04 08 00 10 00")),
                                   batch(bytes("AA 01 0D 08 00 10 FF FF FF FF FF FF FF FF FF 01"))));
+}
+
+// ---- Reports that the phone's request overtakes ----
+
+/// For these two sensors a report asks twice whether the sensor is live: for where the value goes, and for
+/// whether a batch is sent.
+struct OvertakenReportTest : SensorTest {
+  void reportFuel() { sensors.reportFuelData(true, 80, false, 0, false, false); }
+};
+
+TEST_F(OvertakenReportTest, SendsAnEmptyBatchIfTheSensorIsStartedInBetweenAndParksTheValue) {
+  {
+    const EventAt parking("pthread_mutex_lock", [this] { sends(request(SENSOR_FUEL, 0)); });
+    reportFuel();
+  }
+  EXPECT_THAT(sent(), ElementsAre(granted(), bytes("80 03")));
+  sends(request(SENSOR_FUEL, 0));
+  EXPECT_THAT(sent(), ElementsAre(granted(), bytes("80 03 32 02 08 50")));
+}
+
+TEST_F(OvertakenReportTest, SendsNothingIfTheSensorIsStoppedInBetweenAndParksNothing) {
+  makeLive(SENSOR_FUEL);
+  {
+    const EventAt adding(
+        "operator new", [this] { sends(request(SENSOR_FUEL, -1)); }, sizeof(FuelData));
+    reportFuel();
+  }
+  EXPECT_THAT(sent(), ElementsAre(granted()));
+  sends(request(SENSOR_FUEL, 0));
+  EXPECT_THAT(sent(), ElementsAre(granted()));
 }
 
 }  // namespace

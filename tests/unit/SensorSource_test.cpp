@@ -1,5 +1,6 @@
 #include "SensorSource.h"
 
+#include "FailingCalls.h"
 #include "SensorTest.h"
 
 // What the phone requests, and what becomes of a value that it has not requested. Each report's own bytes are
@@ -65,6 +66,21 @@ TEST_F(SensorSourceTest, AnswersFirstAndSendsTheParkedValueSecond) {
   sensors.reportSpeedData(5);
   EXPECT_EQ(routed(request(SENSOR_SPEED, 1000)), STATUS_SUCCESS);
   EXPECT_THAT(sent(), ElementsAre(granted(), bytes("80 03 1A 02 08 05")));
+}
+
+TEST_F(SensorSourceTest, IsLiveBeforeThePhoneCanHaveTheAnswer) {
+  const EventAtPost answered([&] { sensors.reportSpeedData(9); });
+  sends(request(SENSOR_SPEED, 0));
+  EXPECT_THAT(sent(), ElementsAre(granted(), bytes("80 03 1A 02 08 09")));
+}
+
+TEST_F(SensorSourceTest, IsParkedBeforeThePhoneCanHaveTheAnswerToAStop) {
+  makeLive(SENSOR_SPEED);
+  const EventAtPost answered([&] { sensors.reportSpeedData(9); });
+  sends(request(SENSOR_SPEED, -1));
+  EXPECT_THAT(sent(), ElementsAre(granted()));
+  sends(request(SENSOR_SPEED, 0));
+  EXPECT_THAT(sent(), ElementsAre(granted(), bytes("80 03 1A 02 08 09"))) << "it was reported, and parked";
 }
 
 TEST_F(SensorSourceTest, GrantsEveryTypeAndNoneOnBehalfOfAnother) {

@@ -1,5 +1,6 @@
 #include "InputSource.h"
 
+#include "FailingCalls.h"
 #include "ManyThreads.h"
 #include "ServiceTest.h"
 
@@ -140,6 +141,17 @@ TEST_F(InputSourceTest, EndsTheProcessForAnActionThatDoesNotExist) {
 }
 
 // ---- Keys and knobs ----
+
+TEST_F(InputSourceTest, KeysAreBoundBeforeThePhoneCanHaveTheAnswer) {
+  int result = STATUS_INVALID_KEYCODE;
+  const EventAtPost answered([&] { result = input.reportKey(0, 3, true, 0); });
+  sends(bindingRequest(bytes("0A 01 03")));
+  EXPECT_EQ(result, STATUS_SUCCESS);
+  const std::vector<Bytes> messages = sent();
+  ASSERT_EQ(messages.size(), 2U);
+  EXPECT_EQ(messages[0], accepted());
+  EXPECT_EQ(part(messages[1], 0, 2), bytes("80 01")) << "MESSAGE_INPUT_REPORT";
+}
 
 TEST_F(InputSourceTest, RefusesEveryKeyBeforeAnyBindingAndTakesTouches) {
   EXPECT_EQ(input.reportKey(0, 3, true, 0), STATUS_INVALID_KEYCODE);

@@ -12,18 +12,22 @@ namespace {
 struct ChannelTableTest : EndpointTest {
   ChannelManager& channels = link.channels();
 
-  /// The byte that registering with `priority` stored.
-  int storedPriority(signed char priority) {
-    channels.unregisterChannel(5);
-    channels.registerChannel(5, priority);
+  /// The priority that is stored with a registered channel.
+  int storedPriorityOf(unsigned char number) {
     shared_ptr<Frame> piece(new Frame());
-    piece->channelId = 5;
+    piece->channelId = number;
     piece->flags = ATOMIC | ENCRYPTED;
     shared_ptr<Channel> channel;
     bool acceptable = false;
     bool complete = false;
     channels.checkFragment(piece, &channel, &acceptable, &complete);
     return channel->priority;
+  }
+  /// The byte that registering with `priority` stored.
+  int storedPriority(signed char priority) {
+    channels.unregisterChannel(5);
+    channels.registerChannel(5, priority);
+    return storedPriorityOf(5);
   }
 };
 
@@ -42,8 +46,9 @@ TEST_F(ChannelTableTest, ARegisteredNumberIsRefusedAndTheChannelStays) {
   EXPECT_THAT(link.sent(5), ElementsAre(bytes("80 00")));
 }
 
-TEST_F(ChannelTableTest, ChannelZeroIsRegisteredFromTheOutset) {
+TEST_F(ChannelTableTest, ChannelZeroIsRegisteredFromTheOutsetWithTheLowestPriority) {
   EXPECT_EQ(channels.registerChannel(0, 0), STATUS_INVALID_CHANNEL);
+  EXPECT_EQ(storedPriorityOf(0), 255) << "-128";
 }
 
 TEST_F(ChannelTableTest, AFreeNumberCannotBeUnregistered) {
@@ -82,6 +87,13 @@ TEST_F(ChannelTableTest, InitForgetsAllChannelsAndRunsAgain) {
   EXPECT_TRUE(channels.isRunning());
   EXPECT_EQ(channels.registerChannel(5, 0), STATUS_SUCCESS);
   EXPECT_EQ(channels.registerChannel(0, 0), STATUS_SUCCESS);
+}
+
+TEST_F(ChannelTableTest, PrepareShutdownStopsBeforeItWakesTheWriter) {
+  bool running = true;
+  const EventAtPost woken([&] { running = channels.isRunning(); });
+  channels.prepareShutdown();
+  EXPECT_FALSE(running);
 }
 
 TEST_F(ChannelTableTest, ShutdownDropsChannelsAndTheirFrames) {
@@ -148,6 +160,16 @@ TEST_F(CuttingTest, TheWriterIsWokenOnceForEachFrame) {
   const FailingCall posts("sem_post", FailingCall::NEVER);
   cut(pattern(3 * 16128));
   EXPECT_EQ(posts.calls(), 3);
+}
+
+TEST_F(CuttingTest, AFrameIsQueuedAndTheWriterWokenBeforeTheNextIsQueued) {
+  std::vector<int> queuedAtTheFirstPost;
+  const EventAtPost posted([&] {
+    while (target->hasOutgoing()) queuedAtTheFirstPost.push_back(target->dequeueOutgoing()->kind());
+  });
+  const std::vector<shared_ptr<Frame>> later = cut(pattern(3 * FRAGMENT));
+  EXPECT_THAT(queuedAtTheFirstPost, ElementsAre(FIRST));
+  EXPECT_EQ(later.size(), 2U);
 }
 
 TEST_F(CuttingTest, AllFramesShareOneCopyOfTheMessage) {

@@ -81,6 +81,19 @@ TEST_F(IncomingFrameTest, AFramingErrorIsLoggedThenQueuedThenTold) {
   EXPECT_EQ(link.feeds(bytes("03 0B 00 02 80")), STATUS_FRAMING_ERROR);
 }
 
+TEST_F(IncomingFrameTest, AFramingErrorHasStoppedTheLinkAndIsLoggedWhenItsNotificationIsQueued) {
+  bool running = true;
+  std::vector<std::string> lines;
+  const EventAtPost queued([&] {
+    running = link.channels().isRunning();
+    lines = log.critical();
+  });
+  link.feeds(bytes("03 0B 00 02 80"));
+  EXPECT_FALSE(running);
+  EXPECT_THAT(lines, ElementsAre("[LHU] Framing error: len=5 framelen=2",
+                                 "[LHU] Sending Framing Error notification!"));
+}
+
 TEST_F(IncomingFrameTest, EveryFrameAfterAFramingErrorRepeatsIt) {
   EXPECT_CALL(link.host(), unrecoverableError()).Times(3);
   link.feeds(bytes("03 0B 00 02 80"));
@@ -215,6 +228,13 @@ TEST_F(OutgoingFrameTest, AfterPrepareShutdownNothingIsGivenOutAndNothingBlocks)
   EXPECT_FALSE(link.receiver().getEncodedFrame(&out));
   EXPECT_FALSE(link.receiver().getEncodedFrame(&out));
   EXPECT_FALSE(link.receiver().getEncodedFrame(&out));
+}
+
+TEST_F(OutgoingFrameTest, AFramingErrorWhileTheWriterWaitsIsNotGivenOut) {
+  const EventAt waiting("sem_wait", [&] { channels.sendFramingError(); });
+  EXPECT_FALSE(channels.getEncodedFrame(&out));
+  EXPECT_EQ(out.data, nullptr);
+  EXPECT_THAT(link.sent(0), ElementsAre(bytes("FF FF"))) << "it stays queued";
 }
 
 TEST_F(OutgoingFrameTest, AQueuedFrameWakesTheWriter) {

@@ -125,6 +125,33 @@ TEST_F(TransportThreadsTest, AStopWhileTheHeaderIsReadIsLogged) {
   transport.start();
   transport.waitForExit();
   EXPECT_THAT(log.debug(), Contains("[LHU] Reader thread shutting down on request."));
+  EXPECT_EQ(transport.aborts(), 1) << "the reader does not stop what is stopped";
+}
+
+/// Is stopped by its first read, which reads a whole header all the same.
+struct StopInsideARead : Transport {
+  using Transport::Transport;
+  std::atomic<int> reads{0};
+  std::atomic<int> aborts{0};
+
+  void abortTransfers() override { ++aborts; }
+  int read(void* data, unsigned int) override {
+    ++reads;
+    const Bytes header = bytes("03 0B 00 02");
+    std::copy(header.begin(), header.end(), static_cast<unsigned char*>(data));
+    requestStop();
+    return 4;
+  }
+  int write(void*, unsigned int) override { return -1; }
+};
+
+TEST_F(TransportThreadsTest, AStopWithAWholeHeaderReadIsLoggedToo) {
+  StopInsideARead stopping(&link.receiver());
+  stopping.start();
+  stopping.waitForExit();
+  EXPECT_THAT(log.debug(), Contains("[LHU] Reader thread shutting down on request."));
+  EXPECT_EQ(stopping.reads, 1);
+  EXPECT_EQ(stopping.aborts, 1);
 }
 
 TEST_F(TransportThreadsTest, AStopBehindTheHeaderIsNotLogged) {
@@ -138,6 +165,7 @@ TEST_F(TransportThreadsTest, AStopBehindTheHeaderIsNotLogged) {
   EXPECT_THAT(log.all(), Not(Contains("debug [LHU] Reader thread shutting down on request.")));
   EXPECT_THAT(log.debug(), Contains("[LHU] Reader thread exiting."));
   EXPECT_THAT(service.messages, IsEmpty());
+  EXPECT_EQ(transport.aborts(), 2) << "here the reader stops once more, as after any read that failed";
 }
 
 TEST_F(TransportThreadsTest, AFramingErrorDoesNotEndTheReader) {

@@ -140,6 +140,18 @@ TEST_F(TransferTest, RequestStopStopsTheReceiverBeforeItAbortsTheTransfers) {
   EXPECT_EQ(watcher.aborts, 2) << "each step bears repetition";
 }
 
+TEST_F(TransferTest, TheStopIsThereWhenTheWriterIsWoken) {
+  bool requested = false;
+  int aborts = -1;
+  const EventAtPost woken([&] {
+    requested = transport.isStopRequested();
+    aborts = transport.aborts;
+  });
+  transport.requestStop();
+  EXPECT_TRUE(requested);
+  EXPECT_EQ(aborts, 0) << "that is the last step";
+}
+
 TEST_F(TransferTest, WaitForExitLogsEvenWhereNothingWasStarted) {
   transport.waitForExit();
   EXPECT_THAT(log.all(), ElementsAre("debug [LHU] Reader thread joined", "debug [LHU] Writer thread joined"));

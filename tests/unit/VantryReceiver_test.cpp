@@ -158,10 +158,28 @@ TEST(VantryReceiverShutdownTest, AfterwardsHostThreadsThatStillSendAreIgnored) {
   LogCapture log;
   VantryReceiver receiver;
   receiver.init(shared_ptr<IControllerCallbacks>(new MockControllerCallbacks()));
+  ChannelManager* const channels = receiver.messageRouter()->manager();
   receiver.prepareShutdown();
   receiver.shutdown();
+  EXPECT_EQ(channels->registerChannel(0, 0), STATUS_SUCCESS) << "there again, so that a frame would stay";
   receiver.controller().sendPingRequest(1, false);
   EXPECT_EQ(receiver.start(), STATUS_SUCCESS);
+  IoBuffer out;
+  EXPECT_FALSE(channels->extractEncodedFrame(&out));
+}
+
+TEST(VantryReceiverShutdownTest, TheRouterForgetsTheChannelsAndTheyTheirFrames) {
+  LogCapture log;
+  VantryReceiver receiver;
+  receiver.init(shared_ptr<IControllerCallbacks>(new MockControllerCallbacks()));
+  ChannelManager* const channels = receiver.messageRouter()->manager();
+  receiver.start();  // leaves the version request in its queue
+  receiver.prepareShutdown();
+  receiver.shutdown();
+  EXPECT_EQ(receiver.messageRouter()->manager(), nullptr);
+  IoBuffer out;
+  EXPECT_FALSE(channels->extractEncodedFrame(&out));
+  EXPECT_EQ(channels->registerChannel(0, 0), STATUS_SUCCESS);
 }
 
 TEST(VantryReceiverShutdownTest, OneReceiverAfterAnotherBringsItsLinkUp) {

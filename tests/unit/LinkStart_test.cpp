@@ -12,6 +12,9 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
+const char VERSION_LINE[] = "[LHU] VTP Version : VTP_1.0_001_160829";
+const char FAILURE_LINE[] = "[LHU] Shutting down connection due to authentication failure.";
+
 struct VersionTest : EndpointTest {};
 
 TEST_F(VersionTest, TheHeadUnitAsksFirstInTheClear) {
@@ -24,6 +27,13 @@ TEST_F(VersionTest, TheHeadUnitAsksFirstInTheClear) {
                                                    "00 00")));  // minor 0
   EXPECT_THAT(log.all(),
               ElementsAre("critical [LHU] sendVersionRequest() :: Starting link, car major=1 minor=0"));
+}
+
+TEST_F(VersionTest, OnAChannelThatThePhoneHasClosedNothingIsSentThoughItsNumberIsTaken) {
+  link.closes(0);
+  EXPECT_EQ(link.channels().registerChannel(0, 0), STATUS_SUCCESS);
+  EXPECT_EQ(link.receiver().start(), STATUS_SUCCESS);
+  EXPECT_THAT(link.sentFrames(), IsEmpty());
 }
 
 TEST_F(VersionTest, WithoutAChannelNothingIsSentButTheLineIsLogged) {
@@ -87,6 +97,8 @@ struct HandshakeTest : testing::Test {
 TEST_F(HandshakeTest, AnAcceptedVersionIsToldToTheHostBeforeTheHandshakeBegins) {
   EXPECT_CALL(host, versionResponse(0xFFFF, 259)).WillOnce([&] {
     EXPECT_THAT(link.sentFrames(), IsEmpty());
+    EXPECT_THAT(log.all(), ElementsAre("critical [LHU] handleVersionResponse() :: "
+                                       "Phone reported version major=65535 minor=259"));
   });
   link.feeds(frame(0, ATOMIC, bytes("00 02 FF FF 01 03 00 EE EE")));  // bytes behind the verdict are ignored
   const std::vector<Bytes> wire = link.sentFrames();
@@ -101,6 +113,7 @@ TEST_F(HandshakeTest, EndsWithAnAuthResponseInTheClear) {
   EXPECT_CALL(host, versionResponse(1, 0));
   EXPECT_CALL(host, authenticationCompleted(STATUS_SUCCESS)).WillOnce([&] {
     EXPECT_THAT(link.sentFrames(), IsEmpty()) << "the host hears of it before the phone";
+    EXPECT_EQ(log.critical().back(), VERSION_LINE);
   });
   link.acceptsVersion();
   link.sendsHandshake(link.nextFlight());
@@ -121,8 +134,7 @@ TEST_F(HandshakeTest, LogsEachStep) {
                           MatchesRegex("\\[LHU\\] ssl state=[^,]+, ret: -1, err: 2"),
                           MatchesRegex("\\[LHU\\] ssl state=[^,]+, ret: 1, err: 0"),
                           MatchesRegex("\\[LHU\\] SSL version=TLSv1.2 Cipher name=ECDHE-ECDSA-AES[A-Z0-9-]+"),
-                          "[LHU] Verify, ret: 1, err_code: 0, returned: ok",
-                          "[LHU] VTP Version : VTP_1.0_001_160829"));
+                          "[LHU] Verify, ret: 1, err_code: 0, returned: ok", VERSION_LINE));
   EXPECT_THAT(log.debug(), IsEmpty());
 }
 
@@ -172,12 +184,14 @@ TEST_F(HandshakeTest, DiscoveryIsServedBeforeTheHandshakeHasEnded) {
 }
 
 /// What happens where the handshake fails, whatever the reason.
-void expectFailure(PlainLink& link, const std::function<void()>& cause) {
+void expectFailure(const LogCapture& log, PlainLink& link, const std::function<void()>& cause) {
   InSequence order;
-  EXPECT_CALL(link.host(), authenticationCompleted(STATUS_AUTHENTICATION_FAILURE)).WillOnce([&link] {
+  EXPECT_CALL(link.host(), authenticationCompleted(STATUS_AUTHENTICATION_FAILURE)).WillOnce([&] {
+    EXPECT_EQ(log.critical().back(), VERSION_LINE);
     EXPECT_THAT(link.sentFrames(), IsEmpty());
   });
-  EXPECT_CALL(link.host(), unrecoverableError()).WillOnce([&link] {
+  EXPECT_CALL(link.host(), unrecoverableError()).WillOnce([&] {
+    EXPECT_EQ(log.critical().back(), FAILURE_LINE);
     EXPECT_THAT(link.sentFrames(), ElementsAre(bytes("00 03 00 0D 00 04"
                                                      "08 FD FF FF FF FF FF FF FF FF 01")));  // -3
   });
@@ -188,17 +202,16 @@ TEST_F(HandshakeTest, BytesThatAreNoTlsEndIt) {
   link.acceptsVersion();
   link.sentFrames();
   log.clear();
-  expectFailure(link, [&] { link.sendsHandshake(filled(50, 0x55)); });
+  expectFailure(log, link, [&] { link.sendsHandshake(filled(50, 0x55)); });
   EXPECT_THAT(log.critical(), ElementsAre(MatchesRegex("\\[LHU\\] ssl state=.*, ret: -1, err: 1"),
-                                          "[LHU] VTP Version : VTP_1.0_001_160829",
-                                          "[LHU] Shutting down connection due to authentication failure."));
+                                          VERSION_LINE, FAILURE_LINE));
 }
 
 TEST_F(HandshakeTest, AResultOfZeroEndsIt) {
   link.acceptsVersion();
   const Bytes flight = link.nextFlight();
   const FailingCall failing("SSL_do_handshake");
-  expectFailure(link, [&] { link.sendsHandshake(flight); });
+  expectFailure(log, link, [&] { link.sendsHandshake(flight); });
 }
 
 TEST_F(HandshakeTest, AResultOfZeroAtItsBeginningSendsNothing) {
@@ -212,7 +225,7 @@ TEST_F(HandshakeTest, AResultOfZeroAtItsBeginningSendsNothing) {
 TEST_F(VersionTest, WithoutCredentialsTheHandshakeFails) {
   link.feeds(frame(0, ATOMIC, bytes("00 02 00 01 00 00 00")));
   EXPECT_THAT(link.sentFrames(), IsEmpty());
-  expectFailure(link, [&] { link.feeds(frame(0, ATOMIC, bytes("00 03 16 03 03"))); });
+  expectFailure(log, link, [&] { link.feeds(frame(0, ATOMIC, bytes("00 03 16 03 03"))); });
 }
 
 TEST_F(HandshakeTest, WhatTheHostSendsWhenItHearsOfSuccessIsEncryptedAlreadyAndTheAuthResponsePlain) {
@@ -233,7 +246,7 @@ TEST_F(HandshakeTest, WhatTheHostSendsWhenItHearsOfSuccessIsEncryptedAlreadyAndT
 TEST_F(HandshakeTest, AFlightInTwoMessagesEndsIt) {
   link.acceptsVersion();
   const Bytes flight = link.nextFlight();
-  expectFailure(link, [&] { link.sendsHandshake(part(flight, 0, flight.size() / 2)); });
+  expectFailure(log, link, [&] { link.sendsHandshake(part(flight, 0, flight.size() / 2)); });
 }
 
 TEST_F(HandshakeTest, AfterAFailureFramesStayPlain) {
@@ -250,10 +263,12 @@ TEST(UnverifiedPeerTest, AStrangersCertificateEndsTheLinkThoughTheHandshakeSucce
   link.acceptsVersion();
   link.sendsHandshake(link.nextFlight());
   const Bytes last = link.nextFlight();
-  expectFailure(link, [&] { link.sendsHandshake(last); });
+  expectFailure(log, link, [&] { link.sendsHandshake(last); });
   EXPECT_THAT(log.critical(), testing::Contains("[LHU] Verify, ret: 0, err_code: 20, "
                                                 "returned: unable to get local issuer certificate"));
-  EXPECT_THAT(log.critical().back(), "[LHU] Shutting down connection due to authentication failure.");
+  EXPECT_EQ(log.critical().back(), FAILURE_LINE);
+  link.controller().sendByeByeResponse();
+  EXPECT_THAT(link.sentFrames(), ElementsAre(bytes("00 0B 00 02 00 10"))) << "frames stay plain";
 }
 
 }  // namespace

@@ -62,8 +62,10 @@ void addExtension(X509* certificate, int which, const char* value) {
   X509_EXTENSION_free(extension);
 }
 
-/// Signed by `issuer`, or by itself without one; `from` and `until` count in seconds from now.
-Certificate makeCertificate(const char* name, const Key& key, const Issuer* issuer, long from, long until) {
+/// Signed by `issuer`, or by itself without one; `from` and `until` count in seconds from now. `mayIssue`: it
+/// may sign others itself.
+Certificate makeCertificate(const char* name, const Key& key, const Issuer* issuer, bool mayIssue, long from,
+                            long until) {
   static long serial = 0;
   Certificate made(X509_new());
   X509* const it = made.get();
@@ -76,25 +78,27 @@ Certificate makeCertificate(const char* name, const Key& key, const Issuer* issu
   const auto* const commonName = reinterpret_cast<const unsigned char*>(name);
   require(X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_ASC, commonName, -1, -1, 0) == 1);
   require(X509_set_issuer_name(it, issuer ? X509_get_subject_name(issuer->certificate.get()) : subject) == 1);
-  addExtension(it, NID_basic_constraints, issuer ? "critical,CA:FALSE" : "critical,CA:TRUE");
+  addExtension(it, NID_basic_constraints, mayIssue ? "critical,CA:TRUE" : "critical,CA:FALSE");
   require(X509_sign(it, issuer ? issuer->key.get() : key.get(), EVP_sha256()) > 0);
   return made;
 }
 
-Issuer makeRoot(const char* name) {
+/// Signed by `above`, or by itself without one.
+Issuer makeIssuer(const char* name, const Issuer* above = nullptr) {
   Key key = makeKey();
-  Certificate certificate = makeCertificate(name, key, nullptr, -2 * 365 * DAY, 2 * 365 * DAY);
+  Certificate certificate = makeCertificate(name, key, above, true, -2 * 365 * DAY, 2 * 365 * DAY);
   return {std::move(key), std::move(certificate)};
 }
 
 Identity makeIdentity(const char* name, const Issuer& issuer, long from = -HOUR, long until = DAY) {
   const Key key = makeKey();
-  return {pem(makeCertificate(name, key, &issuer, from, until)), pem(key)};
+  return {pem(makeCertificate(name, key, &issuer, false, from, until)), pem(key)};
 }
 
 TestCredentials make() {
-  const Issuer root = makeRoot("Test root");
-  const Issuer stranger = makeRoot("Stranger root");
+  const Issuer root = makeIssuer("Test root");
+  const Issuer issuer = makeIssuer("Test issuer", &root);
+  const Issuer stranger = makeIssuer("Stranger root");
   TestCredentials result;
   result.expiry = time(nullptr) - DAY;
   result.root = pem(root.certificate);
@@ -102,6 +106,9 @@ TestCredentials make() {
   result.headUnit = makeIdentity("Test head unit", root);
   result.expiredPhone = makeIdentity("Expired phone", root, -30 * DAY, -DAY);
   result.futurePhone = makeIdentity("Future phone", root, 365 * DAY, 400 * DAY);
+  result.incompletePhone = makeIdentity("Indirect phone", issuer);
+  result.indirectPhone = result.incompletePhone;
+  result.indirectPhone.certificate += pem(issuer.certificate);
   result.strangerRoot = pem(stranger.certificate);
   result.strangerPhone = makeIdentity("Stranger phone", stranger);
   result.strangerHeadUnit = makeIdentity("Stranger head unit", stranger);

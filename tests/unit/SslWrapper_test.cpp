@@ -244,11 +244,19 @@ TEST(VerifyPeerTest, AChainUpToTheRootIsAccepted) {
   EXPECT_EQ(verdict.line, "[LHU] Verify, ret: 1, err_code: 0, returned: ok");
 }
 
-TEST(VerifyPeerTest, AChainToAnotherRootIsRefused) {
-  const PeerVerdict verdict = verdictOn(credentials().strangerPhone);
-  EXPECT_FALSE(verdict.accepted);
-  EXPECT_EQ(verdict.line,
-            "[LHU] Verify, ret: 0, err_code: 20, returned: unable to get local issuer certificate");
+TEST(VerifyPeerTest, AChainOverAnIssuerThatThePhoneSendsIsAccepted) {
+  const PeerVerdict verdict = verdictOn(credentials().indirectPhone);
+  EXPECT_TRUE(verdict.accepted);
+  EXPECT_EQ(verdict.line, "[LHU] Verify, ret: 1, err_code: 0, returned: ok");
+}
+
+TEST(VerifyPeerTest, AChainToAnotherRootOrWithoutItsIssuerIsRefused) {
+  for (const Identity& phone : {credentials().strangerPhone, credentials().incompletePhone}) {
+    const PeerVerdict verdict = verdictOn(phone);
+    EXPECT_FALSE(verdict.accepted);
+    EXPECT_EQ(verdict.line,
+              "[LHU] Verify, ret: 0, err_code: 20, returned: unable to get local issuer certificate");
+  }
 }
 
 TEST(VerifyPeerTest, NoNameIsCompared) { EXPECT_TRUE(verdictOn(credentials().headUnit).accepted); }

@@ -156,13 +156,17 @@ TEST_F(RunningThreadTest, APriorityOutOfRangeIsRefusedAndChangesNothing) {
   EXPECT_EQ(parameters.sched_priority, 0);
 }
 
-TEST_F(RunningThreadTest, APrioritySwitchesToRealTimeSchedulingOrChangesNothing) {
-  const bool allowed = worker.setPriority(1);  // needs a right that not every user has
-  int policy = -1;
-  sched_param parameters{};
-  pthread_getschedparam(worker.id(), &policy, &parameters);
-  EXPECT_EQ(policy, allowed ? SCHED_FIFO : SCHED_OTHER);
-  EXPECT_EQ(parameters.sched_priority, allowed ? 1 : 0);
+TEST_F(RunningThreadTest, APrioritySwitchesToRealTimeScheduling) {
+  const FailingCall calls("pthread_setschedparam", FailingCall::NEVER);
+  EXPECT_TRUE(worker.setPriority(7));
+  EXPECT_EQ(calls.calls(), 1);
+  EXPECT_EQ(calls.number(), SCHED_FIFO * 1000 + 7);
+}
+
+TEST_F(RunningThreadTest, APriorityIsRefusedWithoutTheRight) {
+  const FailingCall refused("pthread_setschedparam");
+  EXPECT_FALSE(worker.setPriority(7));
+  EXPECT_EQ(refused.calls(), 1);
 }
 
 }  // namespace

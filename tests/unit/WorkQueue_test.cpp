@@ -121,6 +121,34 @@ TEST_F(WorkQueueTest, ReleasesAnItemWhenItHasRun) {
   EXPECT_EQ(itemsAlive, 0);
 }
 
+TEST_F(WorkQueueTest, AfterEachItemAThreadYieldsOnce) {
+  const FailingCall yields("sched_yield", FailingCall::NEVER);
+  WorkQueue queue(1);
+  queue.start();
+  for (int i = 0; i < 3; ++i) queue.queueWork(item([&] { ran.up(); }));
+  wait(ran, 3);
+  queue.shutdown();
+  EXPECT_EQ(yields.calls(), 3);
+}
+
+TEST_F(WorkQueueTest, AThreadYieldsBehindTheRunAndBeforeItDropsTheItem) {
+  bool hasRun = false;  // the pool's one thread's, as the next two, until it has ended
+  bool hadRun = false;
+  int alive = 0;
+  const EventAt yields("sched_yield", [&] {
+    hadRun = hasRun;
+    alive = itemsAlive;
+  });
+  WorkQueue queue(1);
+  queue.queueWork(item([&] { hasRun = true; }));
+  queue.queueWork(item([&] { ran.up(); }));
+  queue.start();
+  wait(ran);
+  queue.shutdown();
+  EXPECT_TRUE(hadRun);
+  EXPECT_EQ(alive, 2) << "the one that has run, and the one that waits";
+}
+
 TEST_F(WorkQueueTest, AnItemThatTheHostHoldsOutlivesItsRun) {
   int runs = 0;
   const shared_ptr<WorkItem> held = item([&] { ++runs, ran.up(); });

@@ -126,6 +126,7 @@ TEST_F(MediaSinkBaseTest, ARefusedConfigurationKeepsTheNewSessionAndStartsNothin
   EXPECT_EQ(routes("80 01 08 07 10 00"), STATUS_INVALID_CONFIGURATION);
   EXPECT_EQ(routes("80 02"), STATUS_SUCCESS);
   EXPECT_THAT(sink.calls, ElementsAre("configuration 0", "stop 7"));
+  EXPECT_THAT(log.all(), IsEmpty());
 }
 
 TEST_F(MediaSinkBaseTest, ASecondStartReplacesTheSession) {
@@ -177,6 +178,12 @@ TEST_F(MediaSinkBaseTest, EveryOtherTypeIsLoggedAndUnexpected) {
                                      "critical [LHU] Failed to dispatch message of type 32772 size=6",
                                      "critical [LHU] Failed to dispatch message of type 32776 size=2",
                                      "critical [LHU] Failed to dispatch message of type 65535 size=3"));
+}
+
+TEST_F(MediaSinkBaseTest, TheLineOfAnUnknownTypeTellsTheSizeOfTheMessageAndNotOfItsBuffer) {
+  link.sends(3, bytes("80 03 08 02"));  // which stands behind the header of its frame
+  EXPECT_THAT(log.critical(), ElementsAre("[LHU] Failed to dispatch message of type 32771 size=4",
+                                          "[LHU] Sending unexpected message on channel 3"));
 }
 
 TEST_F(MediaSinkBaseTest, AClosedChannelStopsNoPlayback) {

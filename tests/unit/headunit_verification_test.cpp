@@ -1,9 +1,13 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <chrono>
 #include <future>
 #include <new>
+#include <optional>
 #include <thread>
 
+#include "FailingCalls.h"
 #include "ServiceTest.h"
 #include "headunit/services/VerificationService.h"
 
@@ -22,8 +26,9 @@ struct FakeCamera : ScreenCamera {
     takenOn = std::this_thread::get_id();
     ++taken;
     if (whileTaking) whileTaking();
-    return "the screen";
+    return picture;
   }
+  std::string picture = "the screen";
   mutable std::thread::id takenOn;
   mutable int taken = 0;
   std::function<void()> whileTaking;
@@ -96,6 +101,52 @@ struct HeadunitVerification : testing::Test {
 
   std::unique_ptr<VerificationHarness> own;
 };
+
+// ---- Refusals ----
+
+TEST_F(HeadunitVerification, RefusesWhatItDoesNotUnderstand) {
+  for (const Bytes& what : {bytes("80 06"), bytes("80 01 0A"), bytes("80 05"), bytes("80")}) {
+    link.sends(EXTENSION, what);
+    EXPECT_THAT(link.sent(EXTENSION), ElementsAre(bytes("00 FF")));
+  }
+  EXPECT_THAT(log.critical(), IsEmpty());  // none of it by the link itself, which knows no order
+}
+
+TEST_F(HeadunitVerification, IsRefusedByTheLinkOnceItHasEnded) {
+  extension.release();
+  link.sends(EXTENSION, bytes("80 06"));
+  EXPECT_THAT(link.sent(EXTENSION), ElementsAre(bytes("00 FF")));
+  EXPECT_THAT(log.critical(), ElementsAre("[LHU] Sending unexpected message on channel 4"));
+}
+
+TEST_F(HeadunitVerification, RefusesNothingAmidThePiecesOfAPicture) {
+  camera.picture.assign(std::size_t{4} << 20, 'x');
+  std::promise<void> ready;
+  std::promise<void> firstPieceOut;
+  std::promise<void> sentWhole;
+  std::optional<test::EventAtPost> amid;
+  camera.whileTaking = [&] {
+    ready.get_future().wait();
+    amid.emplace([&] { firstPieceOut.set_value(); });
+  };
+  requestCapture();
+  slowWork.post([&] { sentWhole.set_value(); });
+  ready.set_value();
+  firstPieceOut.get_future().wait();
+  std::size_t refused = 0;
+  const std::future<void> end = sentWhole.get_future();
+  do {
+    link.sends(EXTENSION, bytes("80 06"));
+    ++refused;
+  } while (end.wait_for(std::chrono::seconds(0)) != std::future_status::ready);
+
+  std::vector<Bytes> sent = link.sent(EXTENSION);
+  EXPECT_EQ(std::count(sent.begin(), sent.end(), bytes("00 FF")), refused);
+  sent.erase(std::remove(sent.begin(), sent.end(), bytes("00 FF")), sent.end());
+  VantryVerificationScreenCaptureResponse answer;
+  answer.set_screen_capture(camera.picture);
+  EXPECT_THAT(sent, ElementsAre(message(MESSAGE_VANTRY_VERIFICATION_SCREEN_CAPTURE_RESPONSE, answer)));
+}
 
 // ---- Sensors ----
 

@@ -26,9 +26,9 @@ int satellitesIn(const SensorBatch& batch) {
 
 }  // namespace
 
-/// The way back to the phone, until it is closed. One lock orders the answers, since the fragments of two
-/// that are sent at once would mix; the other holds off the end while a picture is taken, which takes its
-/// time.
+/// The way back to the phone, until it is closed. One lock orders the answers and the refusals, since the
+/// fragments of two messages that are sent at once would mix: so all that goes out on the channel goes
+/// through here. The other lock holds off the end while a picture is taken, which takes its time.
 class VerificationHarness::Answers {
  public:
   explicit Answers(const ScreenCamera* camera) : camera_(camera) {}
@@ -45,8 +45,13 @@ class VerificationHarness::Answers {
   void send(VantryVerificationVendorExtensionMessageId type, const google::protobuf::MessageLite& record) {
     IoBuffer message;
     MessageRouter::marshallProto(static_cast<unsigned short>(type), record, &message);
-    const std::lock_guard lock(sending_);
-    if (extension_ != nullptr) extension_->sendData(message.content(), message.size());
+    sendWhole(message.content(), message.size());
+  }
+
+  /// False once this is closed: then it may be said past it.
+  bool refuse() {
+    unsigned char message[] = {MESSAGE_UNEXPECTED_MESSAGE >> 8, MESSAGE_UNEXPECTED_MESSAGE & 0xFF};
+    return sendWhole(message, sizeof message);
   }
 
   /// Whether no other capture is under way; if so, sendCapture must follow.
@@ -74,6 +79,14 @@ class VerificationHarness::Answers {
     return extension_ != nullptr;
   }
 
+  /// False once this is closed.
+  bool sendWhole(void* message, unsigned int length) {
+    const std::lock_guard lock(sending_);
+    if (extension_ == nullptr) return false;
+    extension_->sendData(message, length);
+    return true;
+  }
+
   const ScreenCamera* const camera_;
   std::atomic<bool> underWay_{false};
   std::mutex capturing_;  // taken first if both are
@@ -87,6 +100,8 @@ VerificationHarness::VerificationHarness(const Car& car)
 void VerificationHarness::answerThrough(VendorExtension* extension) { answers_->open(extension); }
 
 void VerificationHarness::release() { answers_->close(); }
+
+bool VerificationHarness::refuse() { return answers_->refuse(); }
 
 int VerificationHarness::onSetSensor(VantryVerificationSetSensor const& message) {
   const int satellites = satellitesIn(message.sensors());

@@ -36,6 +36,10 @@ class VerificationHarness : public IVantryVerificationCallbacks {
   /// again.
   void release();
 
+  /// Tells the phone that its message was not understood, without getting between the fragments of an answer.
+  /// False after `release`, when nothing is said here and no answer is on its way any more. Any thread.
+  bool refuse();
+
   /// Refused if it is too long for one report, or if it is one satellite too many for the whole link.
   int onSetSensor(VantryVerificationSetSensor const& message) override;
   /// A focus that is to be denied is the other one's.

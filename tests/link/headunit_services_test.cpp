@@ -136,7 +136,7 @@ TEST_F(HeadunitServices, FillTheClusterFromThePhone) {
   EXPECT_EQ(view.browser.title, "Library");
   EXPECT_TRUE(view.browser.entries[0].image);
   ASSERT_TRUE(view.notice);
-  EXPECT_EQ(view.notice->id, "note-1");
+  EXPECT_EQ(view.notice->text, "Your parking ends in 20 minutes");
   EXPECT_FALSE(view.pairing);
 }
 

@@ -61,16 +61,16 @@ class AllServices : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(link.comesUp());
-    for (int sink = FullHeadUnit::VIDEO; sink <= FullHeadUnit::TELEPHONY; ++sink) {
+    for (int sink = VIDEO; sink <= TELEPHONY; ++sink) {
       streams.push_back(std::make_unique<NumberedStream>(&link.phone(), &link.timers(), sink));
     }
-    for (int service = FullHeadUnit::BLUETOOTH; service <= FullHeadUnit::VERIFICATION; ++service) {
+    for (int service = BLUETOOTH; service <= VERIFICATION; ++service) {
       channels[service] = link.phone().unusedChannel();
       link.phone().openChannel(channels[service], service,
                                &listeners.emplace(service, service).first->second);
     }
     ASSERT_TRUE(link.pumpUntil([this] { return isOpen(); }));
-    link.phone().send(channels[FullHeadUnit::NOTIFICATIONS], MESSAGE_GENERIC_NOTIFICATION_SUBSCRIBE,
+    link.phone().send(channels[NOTIFICATIONS], MESSAGE_GENERIC_NOTIFICATION_SUBSCRIBE,
                       GenericNotificationSubscribe());
     ASSERT_TRUE(link.settles());
   }
@@ -158,7 +158,7 @@ class AllServices : public testing::Test {
       EXPECT_EQ(arrivals.words(), asDue(count)) << "service " << kind.first << " type " << kind.second;
     }
     for (const auto& [service, listener] : listeners) listener.expect(count);
-    for (int sink = FullHeadUnit::VIDEO; sink <= FullHeadUnit::TELEPHONY; ++sink) {
+    for (int sink = VIDEO; sink <= TELEPHONY; ++sink) {
       EXPECT_EQ(link.headUnit().playerOf(sink).played().words(), asDue(count)) << "sink " << sink;
       EXPECT_FALSE(link.headUnit().playerOf(sink).overrun()) << "sink " << sink;
     }

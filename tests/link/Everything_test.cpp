@@ -48,7 +48,7 @@ class Everything : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(link.comesUp());
-    for (const int sink : {FullHeadUnit::VIDEO, FullHeadUnit::MEDIA, FullHeadUnit::GUIDANCE}) {
+    for (const int sink : {VIDEO, MEDIA, GUIDANCE}) {
       streams.push_back(std::make_unique<NumberedStream>(&link.phone(), &link.timers(), sink));
     }
     ASSERT_TRUE(link.pumpUntil([this] {
@@ -66,7 +66,7 @@ class Everything : public testing::Test {
   }
 
   void expectStreams() {
-    int sink = FullHeadUnit::VIDEO;
+    int sink = VIDEO;
     for (const auto& stream : streams) {
       const NumberedPlayer& player = link.headUnit().playerOf(sink++);
       EXPECT_EQ(player.played().words(), asDue(MESSAGES));

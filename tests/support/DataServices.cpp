@@ -2,14 +2,12 @@
 
 #include <stdexcept>
 
-#include "FullHeadUnit.h"
+#include "ServiceIds.h"
 #include "VantryVerificationVendorExtensionCallbackRouter.h"
 #include "phone/Message.h"
 
 namespace test {
 namespace {
-
-using Unit = FullHeadUnit;
 
 bool isOdd(Number n) { return n % 2 != 0; }
 
@@ -250,31 +248,28 @@ class DataServices::RawExtension : public VendorExtension {
 };
 
 DataServices::DataServices(MessageRouter* router)
-    : bluetooth(
-          Unit::BLUETOOTH, router,
-          shared_ptr<IBluetoothCallbacks>(new BluetoothHost(arrivals.get(), &bluetooth, Unit::BLUETOOTH))),
-      radio(Unit::RADIO, router,
-            shared_ptr<IRadioCallbacks>(new RadioHost(arrivals.get(), &radio, Unit::RADIO))),
-      navigation(Unit::NAVIGATION, router,
+    : bluetooth(BLUETOOTH, router,
+                shared_ptr<IBluetoothCallbacks>(new BluetoothHost(arrivals.get(), &bluetooth, BLUETOOTH))),
+      radio(RADIO, router, shared_ptr<IRadioCallbacks>(new RadioHost(arrivals.get(), &radio, RADIO))),
+      navigation(NAVIGATION, router,
                  shared_ptr<INavigationStatusCallbacks>(
-                     new NavigationHost(arrivals.get(), &navigation, Unit::NAVIGATION))),
-      playback(Unit::PLAYBACK, router,
-               shared_ptr<IMediaPlaybackStatusCallbacks>(
-                   new PlaybackHost(arrivals.get(), &playback, Unit::PLAYBACK))),
-      phone(Unit::PHONE, router,
-            shared_ptr<IPhoneStatusCallbacks>(new CallHost(arrivals.get(), &phone, Unit::PHONE))),
-      browser(Unit::BROWSER, router,
-              shared_ptr<IMediaBrowserCallbacks>(new BrowserHost(arrivals.get(), &browser, Unit::BROWSER))),
-      notifications(Unit::NOTIFICATIONS, router,
+                     new NavigationHost(arrivals.get(), &navigation, NAVIGATION))),
+      playback(
+          PLAYBACK, router,
+          shared_ptr<IMediaPlaybackStatusCallbacks>(new PlaybackHost(arrivals.get(), &playback, PLAYBACK))),
+      phone(PHONE, router, shared_ptr<IPhoneStatusCallbacks>(new CallHost(arrivals.get(), &phone, PHONE))),
+      browser(BROWSER, router,
+              shared_ptr<IMediaBrowserCallbacks>(new BrowserHost(arrivals.get(), &browser, BROWSER))),
+      notifications(NOTIFICATIONS, router,
                     shared_ptr<INotificationCallbacks>(
-                        new NotificationHost(arrivals.get(), &notifications, Unit::NOTIFICATIONS))),
-      extension(new RawExtension(Unit::EXTENSION, router,
-                                 shared_ptr<IVendorExtensionCallbacks>(
-                                     new ExtensionHost(arrivals.get(), nullptr, Unit::EXTENSION)))),
-      verification(Unit::VERIFICATION, router,
+                        new NotificationHost(arrivals.get(), &notifications, NOTIFICATIONS))),
+      extension(new RawExtension(
+          EXTENSION, router,
+          shared_ptr<IVendorExtensionCallbacks>(new ExtensionHost(arrivals.get(), nullptr, EXTENSION)))),
+      verification(VERIFICATION, router,
                    shared_ptr<IVendorExtensionCallbacks>(new VantryVerificationVendorExtensionCallbackRouter(
                        shared_ptr<IVantryVerificationCallbacks>(
-                           new VerificationHost(arrivals.get(), &verification, Unit::VERIFICATION))))) {
+                           new VerificationHost(arrivals.get(), &verification, VERIFICATION))))) {
   bluetooth.registerCarBluetoothAddress("02:00:00:00:00:01");
   bluetooth.registerPairingMethod(BLUETOOTH_PAIRING_METHOD_2);
 }

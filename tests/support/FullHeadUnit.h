@@ -9,6 +9,7 @@
 #include "NumberedMedia.h"
 #include "QuietHost.h"
 #include "SensorSource.h"
+#include "ServiceIds.h"
 #include "Transport.h"
 #include "VantryReceiver.h"
 #include "VideoSink.h"
@@ -18,25 +19,6 @@ namespace test {
 /// A head unit that has every service, each with a host that knows what is due next.
 class FullHeadUnit {
  public:
-  enum ServiceId {
-    VIDEO = 1,
-    MEDIA,
-    GUIDANCE,
-    SYSTEM,
-    TELEPHONY,
-    MICROPHONE,
-    SENSORS,
-    INPUT,
-    BLUETOOTH,
-    RADIO,
-    NAVIGATION,
-    PLAYBACK,
-    PHONE,
-    BROWSER,
-    NOTIFICATIONS,
-    EXTENSION,
-    VERIFICATION
-  };
   static constexpr int SINKS = 5;           // VIDEO to TELEPHONY
   static constexpr unsigned int LIMIT = 5;  // unacknowledged messages that each sink allows
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "FullHeadUnit.h"
+#include "ServiceIds.h"
 
 namespace test {
 
@@ -121,7 +121,7 @@ namespace {
 
 phone::StreamOptions optionsFor(int serviceId) {
   phone::StreamOptions options;
-  options.codec = serviceId == FullHeadUnit::VIDEO ? MEDIA_CODEC_VIDEO : MEDIA_CODEC_1;
+  options.codec = serviceId == VIDEO ? MEDIA_CODEC_VIDEO : MEDIA_CODEC_1;
   options.sessionId = serviceId;
   options.paced = false;
   return options;

@@ -283,37 +283,35 @@ MessageKind kind(int service, int type, Record (*record)(Number)) {
   return {service, number, [=](Number n) { return Bytes(phone::messageBytes(number, record(n))); }};
 }
 
-using Unit = FullHeadUnit;
-
 }  // namespace
 
 const std::vector<MessageKind>& toldByThePhone() {
   using namespace told;
   static const std::vector<MessageKind> kinds = {
-      kind(Unit::BLUETOOTH, MESSAGE_BLUETOOTH_PAIRING_REQUEST, pairing),
-      kind(Unit::RADIO, MESSAGE_RADIO_SET_STATION_REQUEST, station),
-      kind(Unit::RADIO, MESSAGE_RADIO_SCAN_REQUEST, scan),
-      kind(Unit::RADIO, MESSAGE_RADIO_STATION_INFO_REQUEST, emptyRecord<RadioStationInfoRequest>),
-      kind(Unit::NAVIGATION, MESSAGE_NAVIGATION_STATUS, navigation),
-      kind(Unit::NAVIGATION, MESSAGE_NAVIGATION_NEXT_TURN_EVENT, turn),
-      kind(Unit::NAVIGATION, MESSAGE_NAVIGATION_NEXT_TURN_DISTANCE_EVENT, distance),
-      kind(Unit::PLAYBACK, MESSAGE_MEDIA_PLAYBACK_STATUS, playback),
-      kind(Unit::PLAYBACK, MESSAGE_MEDIA_PLAYBACK_METADATA, song),
-      kind(Unit::PHONE, MESSAGE_PHONE_STATUS, calls),
-      kind(Unit::BROWSER, MESSAGE_MEDIA_ROOT_NODE, rootNode),
-      kind(Unit::BROWSER, MESSAGE_MEDIA_SOURCE_NODE, sourceNode),
-      kind(Unit::BROWSER, MESSAGE_MEDIA_LIST_NODE, listNode),
-      kind(Unit::BROWSER, MESSAGE_MEDIA_SONG_NODE, songNode),
-      kind(Unit::NOTIFICATIONS, MESSAGE_GENERIC_NOTIFICATION_MESSAGE, notification),
-      kind(Unit::NOTIFICATIONS, MESSAGE_GENERIC_NOTIFICATION_ACK, notificationAck),
-      {Unit::EXTENSION, 0, numberedContent},
-      kind(Unit::VERIFICATION, MESSAGE_VANTRY_VERIFICATION_SET_SENSOR, setSensor),
-      kind(Unit::VERIFICATION, MESSAGE_VANTRY_VERIFICATION_VIDEO_FOCUS, videoFocus),
-      kind(Unit::VERIFICATION, MESSAGE_VANTRY_VERIFICATION_AUDIO_FOCUS, audioFocus),
-      kind(Unit::VERIFICATION, MESSAGE_VANTRY_VERIFICATION_INJECT_INPUT, injectInput),
-      kind(Unit::VERIFICATION, MESSAGE_VANTRY_VERIFICATION_SCREEN_CAPTURE_REQUEST,
+      kind(BLUETOOTH, MESSAGE_BLUETOOTH_PAIRING_REQUEST, pairing),
+      kind(RADIO, MESSAGE_RADIO_SET_STATION_REQUEST, station),
+      kind(RADIO, MESSAGE_RADIO_SCAN_REQUEST, scan),
+      kind(RADIO, MESSAGE_RADIO_STATION_INFO_REQUEST, emptyRecord<RadioStationInfoRequest>),
+      kind(NAVIGATION, MESSAGE_NAVIGATION_STATUS, navigation),
+      kind(NAVIGATION, MESSAGE_NAVIGATION_NEXT_TURN_EVENT, turn),
+      kind(NAVIGATION, MESSAGE_NAVIGATION_NEXT_TURN_DISTANCE_EVENT, distance),
+      kind(PLAYBACK, MESSAGE_MEDIA_PLAYBACK_STATUS, playback),
+      kind(PLAYBACK, MESSAGE_MEDIA_PLAYBACK_METADATA, song),
+      kind(PHONE, MESSAGE_PHONE_STATUS, calls),
+      kind(BROWSER, MESSAGE_MEDIA_ROOT_NODE, rootNode),
+      kind(BROWSER, MESSAGE_MEDIA_SOURCE_NODE, sourceNode),
+      kind(BROWSER, MESSAGE_MEDIA_LIST_NODE, listNode),
+      kind(BROWSER, MESSAGE_MEDIA_SONG_NODE, songNode),
+      kind(NOTIFICATIONS, MESSAGE_GENERIC_NOTIFICATION_MESSAGE, notification),
+      kind(NOTIFICATIONS, MESSAGE_GENERIC_NOTIFICATION_ACK, notificationAck),
+      {EXTENSION, 0, numberedContent},
+      kind(VERIFICATION, MESSAGE_VANTRY_VERIFICATION_SET_SENSOR, setSensor),
+      kind(VERIFICATION, MESSAGE_VANTRY_VERIFICATION_VIDEO_FOCUS, videoFocus),
+      kind(VERIFICATION, MESSAGE_VANTRY_VERIFICATION_AUDIO_FOCUS, audioFocus),
+      kind(VERIFICATION, MESSAGE_VANTRY_VERIFICATION_INJECT_INPUT, injectInput),
+      kind(VERIFICATION, MESSAGE_VANTRY_VERIFICATION_SCREEN_CAPTURE_REQUEST,
            emptyRecord<VantryVerificationScreenCaptureRequest>),
-      kind(Unit::VERIFICATION, MESSAGE_VANTRY_VERIFICATION_DISPLAY_INFORMATION_REQUEST,
+      kind(VERIFICATION, MESSAGE_VANTRY_VERIFICATION_DISPLAY_INFORMATION_REQUEST,
            emptyRecord<VantryVerificationDisplayInformationRequest>),
   };
   return kinds;
@@ -321,22 +319,22 @@ const std::vector<MessageKind>& toldByThePhone() {
 
 const std::vector<MessageKind>& heardByThePhone() {
   static const std::vector<MessageKind> kinds = {
-      kind(Unit::BLUETOOTH, MESSAGE_BLUETOOTH_PAIRING_RESPONSE, pairingAnswer),
-      kind(Unit::BLUETOOTH, MESSAGE_BLUETOOTH_AUTHENTICATION_DATA, pairingCode),
-      kind(Unit::RADIO, MESSAGE_RADIO_SET_STATION_RESPONSE, stationAnswer),
-      kind(Unit::RADIO, MESSAGE_RADIO_SCAN_COMPLETE_NOTIFICATION, scanEnd),
-      kind(Unit::RADIO, MESSAGE_RADIO_STATION_INFO_NOTIFICATION, stationInfo),
-      kind(Unit::NAVIGATION, MESSAGE_NAVIGATION_STATUS_START, emptyRecord<NavigationStatusStart>),
-      kind(Unit::NAVIGATION, MESSAGE_NAVIGATION_STATUS_STOP, emptyRecord<NavigationStatusStop>),
-      kind(Unit::PLAYBACK, MESSAGE_INSTRUMENT_CLUSTER_INPUT, key),
-      kind(Unit::PHONE, MESSAGE_PHONE_STATUS_INPUT, callKey),
-      kind(Unit::BROWSER, MESSAGE_MEDIA_GET_NODE, nodeRequest),
-      kind(Unit::BROWSER, MESSAGE_MEDIA_BROWSER_INPUT, browserKey),
-      kind(Unit::NOTIFICATIONS, MESSAGE_GENERIC_NOTIFICATION_MESSAGE, told::notification),
-      kind(Unit::NOTIFICATIONS, MESSAGE_GENERIC_NOTIFICATION_ACK, told::notificationAck),
-      {Unit::EXTENSION, 0, numberedContent},
-      kind(Unit::VERIFICATION, MESSAGE_VANTRY_VERIFICATION_SCREEN_CAPTURE_RESPONSE, screen),
-      kind(Unit::VERIFICATION, MESSAGE_VANTRY_VERIFICATION_DISPLAY_INFORMATION_RESPONSE, display),
+      kind(BLUETOOTH, MESSAGE_BLUETOOTH_PAIRING_RESPONSE, pairingAnswer),
+      kind(BLUETOOTH, MESSAGE_BLUETOOTH_AUTHENTICATION_DATA, pairingCode),
+      kind(RADIO, MESSAGE_RADIO_SET_STATION_RESPONSE, stationAnswer),
+      kind(RADIO, MESSAGE_RADIO_SCAN_COMPLETE_NOTIFICATION, scanEnd),
+      kind(RADIO, MESSAGE_RADIO_STATION_INFO_NOTIFICATION, stationInfo),
+      kind(NAVIGATION, MESSAGE_NAVIGATION_STATUS_START, emptyRecord<NavigationStatusStart>),
+      kind(NAVIGATION, MESSAGE_NAVIGATION_STATUS_STOP, emptyRecord<NavigationStatusStop>),
+      kind(PLAYBACK, MESSAGE_INSTRUMENT_CLUSTER_INPUT, key),
+      kind(PHONE, MESSAGE_PHONE_STATUS_INPUT, callKey),
+      kind(BROWSER, MESSAGE_MEDIA_GET_NODE, nodeRequest),
+      kind(BROWSER, MESSAGE_MEDIA_BROWSER_INPUT, browserKey),
+      kind(NOTIFICATIONS, MESSAGE_GENERIC_NOTIFICATION_MESSAGE, told::notification),
+      kind(NOTIFICATIONS, MESSAGE_GENERIC_NOTIFICATION_ACK, told::notificationAck),
+      {EXTENSION, 0, numberedContent},
+      kind(VERIFICATION, MESSAGE_VANTRY_VERIFICATION_SCREEN_CAPTURE_RESPONSE, screen),
+      kind(VERIFICATION, MESSAGE_VANTRY_VERIFICATION_DISPLAY_INFORMATION_RESPONSE, display),
   };
   return kinds;
 }

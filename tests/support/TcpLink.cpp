@@ -24,7 +24,7 @@ bool TcpLink::runs(Number messages) {
 void TcpLink::onState(phone::LinkState state) {
   if (state != phone::LinkState::up) return;
   car_->open(*phone_->services());
-  for (int sink = FullHeadUnit::VIDEO; sink <= FullHeadUnit::TELEPHONY; ++sink) {
+  for (int sink = VIDEO; sink <= TELEPHONY; ++sink) {
     streams_.push_back(std::make_unique<NumberedStream>(phone_.get(), &timers_, sink));
     streams_.back()->goesOnTo(messages_);
   }
@@ -47,7 +47,7 @@ void TcpLink::onMessage(const phone::Message&) {
 }
 
 void TcpLink::expectArrivals(Number messages) {
-  for (int sink = FullHeadUnit::VIDEO; sink <= FullHeadUnit::TELEPHONY; ++sink) {
+  for (int sink = VIDEO; sink <= TELEPHONY; ++sink) {
     EXPECT_EQ(headUnit_.playerOf(sink).played().words(), asDue(messages)) << "sink " << sink;
     EXPECT_FALSE(headUnit_.playerOf(sink).overrun()) << "sink " << sink;
   }

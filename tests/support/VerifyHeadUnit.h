@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ServiceIds.h"
 #include "TamperingRelay.h"
 #include "phone/verify/LinkUnderTest.h"
 
@@ -35,24 +36,6 @@ class MemoryHeadUnit : public phone::verify::HeadUnit {
 
  private:
   HeadUnitFaults faults_;
-};
-
-/// The service ids of that head unit.
-enum ServiceId {
-  VIDEO = 1,
-  MEDIA,
-  GUIDANCE,
-  MICROPHONE,
-  SENSORS,
-  INPUT,
-  BLUETOOTH,
-  RADIO,
-  NAVIGATION,
-  PLAYBACK,
-  PHONE,
-  BROWSER,
-  NOTIFICATIONS,
-  VERIFICATION
 };
 
 }  // namespace test

@@ -1,25 +1,8 @@
 #include "phone/SensorReader.h"
 
+#include "phone/BatchedSensors.h"
+
 namespace phone {
-
-namespace {
-
-// How many records of each sensor a batch holds; index 0 is the sensor of type 1.
-std::array<int, 21> countsOf(const SensorBatch& batch) {
-  return {batch.location_data_size(),       batch.compass_data_size(),
-          batch.speed_data_size(),          batch.rpm_data_size(),
-          batch.odometer_data_size(),       batch.fuel_data_size(),
-          batch.parking_brake_data_size(),  batch.gear_data_size(),
-          batch.diagnostics_data_size(),    batch.night_mode_data_size(),
-          batch.environment_data_size(),    batch.hvac_data_size(),
-          batch.driving_status_data_size(), batch.dead_reckoning_data_size(),
-          batch.passenger_data_size(),      batch.door_data_size(),
-          batch.light_data_size(),          batch.tire_pressure_data_size(),
-          batch.accelerometer_data_size(),  batch.gyroscope_data_size(),
-          batch.gps_satellite_data_size()};
-}
-
-}  // namespace
 
 SensorReader::~SensorReader() {
   if (channel_ != 0) link_->attach(channel_, nullptr);
@@ -69,10 +52,7 @@ void SensorReader::onBatch(const Message& message) {
     return;
   }
   ++stats_.batches;
-  const auto counts = countsOf(batch);
-  for (std::size_t i = 0; i < counts.size(); ++i) {
-    if (counts[i] > 0) ++stats_.messages[static_cast<SensorType>(i + 1)];
-  }
+  for (const int type : sensorsIn(batch)) ++stats_.messages[static_cast<SensorType>(type)];
   if (listener_ != nullptr) listener_->onSensorBatch(batch);
 }
 

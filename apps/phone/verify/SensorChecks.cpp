@@ -3,8 +3,9 @@
 
 #include <set>
 
+#include "phone/BatchedSensors.h"
 #include "phone/verify/Probe.h"
-#include "phone/verify/SensorTypes.h"
+#include "phone/verify/SensorRequests.h"
 
 namespace phone::verify {
 
@@ -35,7 +36,7 @@ std::set<int> toldTypes(Probe& probe, std::uint8_t channel) {
   while (const auto message = probe.awaitMaybe(channel, MESSAGE_SENSOR_BATCH, 0)) {
     const auto batch = message->as<SensorBatch>();
     Probe::expect(batch.has_value(), "a SensorBatch that parses", hex(message->bytes));
-    for (const int type : typesIn(*batch)) told.insert(type);
+    for (const int type : sensorsIn(*batch)) told.insert(type);
   }
   return told;
 }
@@ -66,7 +67,7 @@ void respondsFirst(Probe& probe) {
       if (message.type() == MESSAGE_SENSOR_RESPONSE) ++responses;
       const auto batch = message.type() == MESSAGE_SENSOR_BATCH ? message.as<SensorBatch>() : std::nullopt;
       if (!batch || responses == asked.size()) continue;
-      Probe::expect(typesIn(*batch).count(type) == 0,
+      Probe::expect(sensorsIn(*batch).count(type) == 0,
                     "the response ahead of the first value of sensor " + std::to_string(type),
                     "the value first");
     }

@@ -1,6 +1,7 @@
 // What a head unit that can be driven from the phone lets the phone see beyond its own behaviour.
+#include "phone/BatchedSensors.h"
 #include "phone/verify/Probe.h"
-#include "phone/verify/SensorTypes.h"
+#include "phone/verify/SensorRequests.h"
 
 namespace phone::verify {
 
@@ -159,7 +160,7 @@ void parksSensors(Probe& probe) {
   const Message response = probe.await(channel, MESSAGE_SENSOR_RESPONSE, "a SensorResponse");
   const Message batch = probe.await(channel, MESSAGE_SENSOR_BATCH, "the value that was kept back");
   Probe::expect(response.order < batch.order, "the response ahead of the value", "the other order");
-  Probe::expect(typesIn(*batch.as<SensorBatch>()).count(type) == 1, "sensor " + std::to_string(type),
+  Probe::expect(sensorsIn(*batch.as<SensorBatch>()).count(type) == 1, "sensor " + std::to_string(type),
                 "another sensor");
 }
 

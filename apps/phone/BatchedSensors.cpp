@@ -1,26 +1,9 @@
-#include "phone/verify/SensorTypes.h"
+#include "phone/BatchedSensors.h"
 
-namespace phone::verify {
+namespace phone {
 
-namespace {
-
-void appendVarint(Bytes* to, std::uint64_t value) {
-  for (; value > 0x7f; value >>= 7) to->push_back(static_cast<std::uint8_t>(value | 0x80));
-  to->push_back(static_cast<std::uint8_t>(value));
-}
-
-}  // namespace
-
-// By hand, because the record takes no type that is no sensor's.
-Bytes sensorRequest(int type, std::int64_t minUpdatePeriod) {
-  Bytes body = {0x08};
-  appendVarint(&body, static_cast<std::uint64_t>(type));
-  body.push_back(0x10);
-  appendVarint(&body, static_cast<std::uint64_t>(minUpdatePeriod));
-  return messageBytes(MESSAGE_SENSOR_REQUEST, body);
-}
-
-std::set<int> typesIn(const SensorBatch& batch) {
+std::set<int> sensorsIn(const SensorBatch& batch) {
+  // In the order of the types.
   const int sizes[] = {batch.location_data_size(),       batch.compass_data_size(),
                        batch.speed_data_size(),          batch.rpm_data_size(),
                        batch.odometer_data_size(),       batch.fuel_data_size(),
@@ -41,4 +24,4 @@ std::set<int> typesIn(const SensorBatch& batch) {
   return types;
 }
 
-}  // namespace phone::verify
+}  // namespace phone

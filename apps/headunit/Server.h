@@ -1,12 +1,10 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
-#include <optional>
-#include <string>
 
 #include "headunit/Link.h"
 #include "headunit/Options.h"
+#include "headunit/Patience.h"
 #include "headunit/Progress.h"
 #include "headunit/Report.h"
 
@@ -25,29 +23,20 @@ class Server {
   int run();
 
   /// Any thread: says good-bye to the phone and ends run.
-  void quit();
+  void quit() { patience_.end(); }
 
  private:
-  bool listen();
-  FileDescriptor nextPhone();
-  FileDescriptor acceptPhone();
-  FileDescriptor connectToPhone();
   void serve(FileDescriptor socket);
   LinkEnd watchOver(Link* link);
   void leaveIfWanted(Link* link, LinkWatch* watch);
   void settle(LinkRecord record);
-  bool isDone() const { return quitting_ || equipment_.budget->exhausted(); }
-  void waitUntil(std::optional<TimePoint> deadline, int descriptor = -1);
+  bool isDone() const { return patience_.isOver() || equipment_.budget->exhausted(); }
 
   const Options& options_;
   const Equipment& equipment_;
-  const int signals_;
   std::function<void(LinkRecord)> afterLink_ = [](LinkRecord) {};
-  WakeEvent wake_;
-  std::atomic<bool> quitting_{false};
+  Patience patience_;
   Progress progress_;
-  FileDescriptor listener_;
-  bool everConnected_ = false;
   int status_ = 0;
 };
 

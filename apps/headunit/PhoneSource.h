@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "headunit/Patience.h"
+#include "headunit/Tcp.h"
+
+namespace headunit {
+
+/// Where the connections to phones come from.
+class PhoneSource {
+ public:
+  virtual ~PhoneSource() = default;
+
+  /// Waits for the next phone. Empty if the patience is over, or if there is no phone to be had, which has
+  /// been logged.
+  virtual FileDescriptor next() = 0;
+};
+
+/// Phones that connect to `address`. Null if nobody can listen there, which has been logged. `patience`
+/// outlives what is returned, here and below.
+std::unique_ptr<PhoneSource> phonesThatCall(const Address& address, Patience* patience);
+
+/// The phone at `address`. It may be about to start, so it is called again for a while; once it was there,
+/// for ever.
+std::unique_ptr<PhoneSource> phoneToCall(const Address& address, Patience* patience);
+
+}  // namespace headunit

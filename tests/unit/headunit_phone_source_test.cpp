@@ -1,0 +1,234 @@
+#include "headunit/PhoneSource.h"
+
+#include <arpa/inet.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <functional>
+#include <vector>
+
+namespace headunit {
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::SizeIs;
+
+constexpr milliseconds BETWEEN_TRIES(200);
+
+/// Waits for nothing: its clock goes on to the end of each pause, and something may happen meanwhile.
+class TestPatience : public Patience {
+ public:
+  TestPatience() : Patience(-1) {}
+
+  TimePoint now() const override { return now_; }
+  void waitUntil(std::optional<TimePoint> deadline, int descriptor) override {
+    happens();
+    if (deadline) {
+      pauses.push_back(std::chrono::duration_cast<milliseconds>(*deadline - now_));
+      now_ = *deadline;
+    } else {
+      pollfd waiting{descriptor, POLLIN, 0};
+      EXPECT_EQ(poll(&waiting, 1, 5000), 1) << "nothing is there to wait for";
+    }
+  }
+
+  std::function<void()> happens = [] {};
+  std::vector<milliseconds> pauses;
+
+ private:
+  TimePoint now_ = TimePoint(std::chrono::seconds(1000));
+};
+
+struct HeadunitPhoneSource : testing::Test {
+  TestPatience patience;
+  WakeEvent never;
+  std::string error;
+
+  FileDescriptor call(const Address& address) {
+    return connectTo(address, std::chrono::seconds(5), never, &error);
+  }
+};
+
+// ---- Phones that call ----
+
+/// The program tells where it listens on its standard output.
+struct HeadunitPhonesThatCall : HeadunitPhoneSource {
+  Address address;
+  std::unique_ptr<PhoneSource> phones = [this] {
+    testing::internal::CaptureStdout();
+    auto source = phonesThatCall({"127.0.0.1", 0}, &patience);
+    const std::string line = testing::internal::GetCapturedStdout();
+    constexpr char START[] = "listening on ";
+    EXPECT_EQ(line.compare(0, sizeof START - 1, START), 0) << line;
+    address = *parseAddress(line.substr(sizeof START - 1, line.size() - sizeof START));
+    return source;
+  }();
+};
+
+TEST_F(HeadunitPhonesThatCall, AreWaitedForWithoutALimit) {
+  FileDescriptor phone;
+  patience.happens = [&] { phone = call(address); };
+  EXPECT_TRUE(phones->next());
+  EXPECT_TRUE(phone) << error;
+  EXPECT_THAT(patience.pauses, SizeIs(0));
+}
+
+/// No descriptor more than there are.
+class FewDescriptors {
+ public:
+  FewDescriptors() {
+    getrlimit(RLIMIT_NOFILE, &before_);
+    const rlimit none{0, before_.rlim_max};
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  }
+  ~FewDescriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
+  FewDescriptors(const FewDescriptors&) = delete;
+  FewDescriptors& operator=(const FewDescriptors&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
+TEST_F(HeadunitPhonesThatCall, AreGivenASecondIfTheyCannotBeTaken) {
+  const FileDescriptor phone = call(address);
+  ASSERT_TRUE(phone) << error;
+  std::optional<FewDescriptors> few(std::in_place);
+  patience.happens = [&] {
+    if (patience.pauses.size() == 1) few.reset();
+  };
+  EXPECT_TRUE(phones->next());
+  EXPECT_THAT(patience.pauses, ElementsAre(milliseconds(1000), milliseconds(1000)));
+}
+
+TEST_F(HeadunitPhonesThatCall, AreWaitedForNoLongerOnceItIsOver) {
+  FileDescriptor phone;
+  patience.happens = [&] {
+    phone = call(address);
+    patience.end();
+  };
+  EXPECT_FALSE(phones->next());
+  EXPECT_FALSE(phones->next());
+}
+
+TEST_F(HeadunitPhoneSource, IsNoneWhereNobodyCanListen) {
+  EXPECT_FALSE(phonesThatCall({"no such host", 1}, &patience));
+}
+
+// ---- A phone to call ----
+
+/// A phone whose port is its own, whether it listens there or not.
+struct HeadunitPhoneToCall : HeadunitPhoneSource {
+  FileDescriptor phone = [] {
+    FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in place{};
+    place.sin_family = AF_INET;
+    place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(bind(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
+    return socket;
+  }();
+  std::unique_ptr<PhoneSource> phones = phoneToCall(localAddress(phone), &patience);
+
+  void starts() { EXPECT_EQ(listen(phone.get(), 10), 0); }
+  void goes() { phone.close(); }
+};
+
+TEST_F(HeadunitPhoneToCall, IsConnectedAtOnceIfItIsThere) {
+  starts();
+  EXPECT_TRUE(phones->next());
+  EXPECT_THAT(patience.pauses, SizeIs(0));
+}
+
+TEST_F(HeadunitPhoneToCall, MayStartAMomentLater) {
+  patience.happens = [this] {
+    if (patience.pauses.size() == 2) starts();
+  };
+  EXPECT_TRUE(phones->next());
+  EXPECT_THAT(patience.pauses, ElementsAre(BETWEEN_TRIES, BETWEEN_TRIES, BETWEEN_TRIES));
+}
+
+TEST_F(HeadunitPhoneToCall, IsGivenUpAfterThreeSeconds) {
+  EXPECT_FALSE(phones->next());
+  EXPECT_FALSE(patience.isOver());
+  EXPECT_THAT(patience.pauses, SizeIs(15));
+  EXPECT_THAT(patience.pauses, Each(BETWEEN_TRIES));
+}
+
+TEST_F(HeadunitPhoneToCall, IsNotCalledAgainWithoutAPause) {
+  starts();
+  phones->next();
+  EXPECT_TRUE(phones->next());
+  EXPECT_THAT(patience.pauses, ElementsAre(BETWEEN_TRIES));
+}
+
+TEST_F(HeadunitPhoneToCall, IsNeverGivenUpOnceItWasThere) {
+  starts();
+  phones->next();
+  goes();
+  patience.happens = [this] {
+    if (patience.pauses.size() == 99) patience.end();
+  };
+  EXPECT_FALSE(phones->next());
+  EXPECT_THAT(patience.pauses, SizeIs(100));
+}
+
+TEST_F(HeadunitPhoneToCall, IsNotCalledOnceItIsOver) {
+  starts();
+  patience.end();
+  EXPECT_FALSE(phones->next());
+  EXPECT_THAT(patience.pauses, SizeIs(0));
+}
+
+TEST_F(HeadunitPhoneToCall, IsCalledInSpiteOfWhatWasToldBefore) {
+  starts();
+  patience.wake()->raise();
+  EXPECT_TRUE(phones->next());
+}
+
+// ---- The patience itself ----
+
+TEST(HeadunitPatience, IsWokenOnceByEachThatHasSomethingToTell) {
+  Patience patience(-1);
+  patience.wake()->raise();
+  patience.waitUntil({});
+  EXPECT_TRUE(patience.lasts());
+  pollfd waiting{patience.wake()->descriptor(), POLLIN, 0};
+  EXPECT_EQ(poll(&waiting, 1, 0), 0);
+}
+
+TEST(HeadunitPatience, EndsEveryWait) {
+  Patience patience(-1);
+  patience.end();
+  patience.waitUntil({});
+  EXPECT_TRUE(patience.isOver());
+  EXPECT_FALSE(patience.lasts());
+}
+
+TEST(HeadunitPatience, IsOverWithASignal) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const FileDescriptor signals(ends[0]);
+  const FileDescriptor sender(ends[1]);
+  Patience patience(signals.get());
+  ASSERT_EQ(write(sender.get(), "1", 1), 1);
+  patience.waitUntil({});
+  EXPECT_TRUE(patience.isOver());
+}
+
+TEST(HeadunitPatience, WaitsForADescriptorAndNoLongerThanToTheDeadline) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const FileDescriptor reader(ends[0]);
+  const FileDescriptor writer(ends[1]);
+  Patience patience(-1);
+  patience.waitUntil(TimePoint(), reader.get());
+  ASSERT_EQ(write(writer.get(), "1", 1), 1);
+  patience.waitUntil({}, reader.get());
+  EXPECT_FALSE(patience.isOver());
+}
+
+}  // namespace
+}  // namespace headunit

@@ -24,14 +24,19 @@ constexpr std::int64_t MOST_PIXELS = 4096 * 2304;
 
 void release(void* buffer, std::uint8_t*) { delete static_cast<Buffer*>(buffer); }
 
-// The packet shares the buffer that the frame came in, for as long as libavcodec needs it.
-void wrap(VideoFrame frame, std::int64_t ticket, AVPacket* packet) {
+// The packet shares the buffer that the frame came in, for as long as libavcodec needs it. Returns false if
+// there is no memory for that.
+bool wrap(VideoFrame frame, std::int64_t ticket, AVPacket* packet) {
   padWithZeros(&frame, AV_INPUT_BUFFER_PADDING_SIZE);
+  auto shared = std::make_unique<Buffer>(frame.buffer);
+  packet->buf =
+      av_buffer_create(frame.data(), frame.length + AV_INPUT_BUFFER_PADDING_SIZE, release, shared.get(), 0);
+  if (packet->buf == nullptr) return false;
+  shared.release();  // the packet's now
   packet->data = frame.data();
   packet->size = static_cast<int>(frame.length);
-  packet->buf = av_buffer_create(packet->data, frame.length + AV_INPUT_BUFFER_PADDING_SIZE, release,
-                                 new Buffer(frame.buffer), 0);
   packet->pts = ticket;
+  return true;
 }
 
 std::string wordsFor(int error) {
@@ -59,7 +64,7 @@ void FfmpegDecoder::Free::operator()(AVFrame* frame) const { av_frame_free(&fram
 void FfmpegDecoder::Free::operator()(AVPacket* packet) const { av_packet_free(&packet); }
 void FfmpegDecoder::Free::operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 
-FfmpegDecoder::FfmpegDecoder() : packet_(av_packet_alloc()) {}
+FfmpegDecoder::FfmpegDecoder() = default;
 FfmpegDecoder::~FfmpegDecoder() = default;
 
 void FfmpegDecoder::configure(const CodecConfig& config) {
@@ -70,7 +75,8 @@ void FfmpegDecoder::configure(const CodecConfig& config) {
 
 void FfmpegDecoder::open() {
   const AVCodec* const codec = avcodec_find_decoder(AV_CODEC_ID_H264);
-  context_.reset(avcodec_alloc_context3(codec));
+  if (!packet_) packet_.reset(av_packet_alloc());
+  context_.reset(packet_ ? avcodec_alloc_context3(codec) : nullptr);
   if (!context_) return;
   context_->max_pixels = MOST_PIXELS;
   context_->flags |= AV_CODEC_FLAG_LOW_DELAY;
@@ -79,6 +85,7 @@ void FfmpegDecoder::open() {
   if (!configuration_.empty()) {
     context_->extradata =
         static_cast<std::uint8_t*>(av_mallocz(configuration_.size() + AV_INPUT_BUFFER_PADDING_SIZE));
+    if (context_->extradata == nullptr) return context_.reset();
     std::memcpy(context_->extradata, configuration_.data(), configuration_.size());
     context_->extradata_size = static_cast<int>(configuration_.size());
   }
@@ -93,7 +100,7 @@ std::string FfmpegDecoder::decode(VideoFrame frame, const OnPicture& onPicture) 
   if (!context_) open();
   if (!context_) return "no decoder for it";
   times_[static_cast<std::size_t>(++ticket_) % REMEMBERED] = frame.times;
-  wrap(std::move(frame), ticket_, packet_.get());
+  if (!wrap(std::move(frame), ticket_, packet_.get())) return "no memory for it";
   const int status = avcodec_send_packet(context_.get(), packet_.get());
   av_packet_unref(packet_.get());
   const std::string fault = takePictures(onPicture);

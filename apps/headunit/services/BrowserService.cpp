@@ -157,7 +157,7 @@ BrowserService::Page::Page(Level pageLevel, const std::string& pagePath, const s
 }
 
 void BrowserService::Page::add(const std::string& path, const std::string& name, const std::string& detail,
-                               const std::string& picture) {
+                               const std::string* picture) {
   if (view.entries.size() >= MOST_ENTRIES || path.size() > LONGEST_PATH) return;
   view.entries.push_back({path, shortened(name), shortened(detail), nullptr});
   pictures.push_back(picture);
@@ -167,7 +167,7 @@ void BrowserService::mediaRootNode(const MediaRootNodeStruct& node) {
   const std::unique_ptr<const MediaSourceStruct[]> sources(node.mediaSources);
   Page page(Level::root, node.path, "Media", 0, static_cast<int>(node.mediaSourceCount));
   for (unsigned int i = 0; i < node.mediaSourceCount; ++i) {
-    page.add(sources[i].path, sources[i].name, "", sources[i].albumArt);
+    page.add(sources[i].path, sources[i].name, "", &sources[i].albumArt);
   }
   show(std::move(page));
 }
@@ -176,7 +176,7 @@ void BrowserService::mediaSourceNode(const MediaSourceNodeStruct& node) {
   const std::unique_ptr<const MediaListStruct[]> lists(node.lists);
   Page page(Level::source, node.source.path, node.source.name, node.start, node.total);
   for (unsigned int i = 0; i < node.listCount; ++i) {
-    page.add(lists[i].path, lists[i].name, wordFor(lists[i].type), lists[i].albumArt);
+    page.add(lists[i].path, lists[i].name, wordFor(lists[i].type), &lists[i].albumArt);
   }
   show(std::move(page));
 }
@@ -185,7 +185,7 @@ void BrowserService::mediaListNode(const MediaListNodeStruct& node) {
   const std::unique_ptr<const MediaSongStruct[]> songs(node.songs);
   Page page(Level::list, node.list.path, node.list.name, node.start, node.total);
   for (unsigned int i = 0; i < node.songCount; ++i) {
-    page.add(songs[i].path, songs[i].name, joined(songs[i].artist, songs[i].album), "");
+    page.add(songs[i].path, songs[i].name, joined(songs[i].artist, songs[i].album), nullptr);
   }
   show(std::move(page));
 }
@@ -209,7 +209,8 @@ void BrowserService::fill(BrowserView* shown, Page* page) {
 void BrowserService::show(Page page) {
   LateImages images(context_.images);
   for (std::size_t i = 0; i < page.pictures.size(); ++i) {
-    page.view.entries[i].image = images.take(page.pictures[i], [i](ClusterView& view, const Image& image) {
+    if (page.pictures[i] == nullptr) continue;
+    page.view.entries[i].image = images.take(*page.pictures[i], [i](ClusterView& view, const Image& image) {
       view.browser.entries[i].image = image;
     });
   }

@@ -54,12 +54,13 @@ class BrowserService : public IMediaBrowserCallbacks {
   /// A page that has come.
   struct Page {
     Page(Level pageLevel, const std::string& pagePath, const std::string& pageTitle, int first, int all);
+    /// `picture`: encoded, null if there is none; must stay as long as the page.
     void add(const std::string& path, const std::string& name, const std::string& detail,
-             const std::string& picture);
+             const std::string* picture);
 
     Level level = Level::root;
     BrowserView view;
-    std::vector<std::string> pictures;  ///< encoded, of each entry
+    std::vector<const std::string*> pictures;  ///< of each entry; a page of them may be large
   };
 
   void move(int by);

@@ -68,7 +68,11 @@ class SdlOutput : public SoundOutput {
 /// its next request, which makes the thread try anew for the one after it.
 class SdlMicrophone : public Microphone {
  public:
-  SdlMicrophone() : listening_([this] { run(); }) {}
+  SdlMicrophone()
+      : listening_([this] {
+          run();
+          SDL_TLSCleanup();  // SDL keeps a text of its last error for each thread
+        }) {}
   ~SdlMicrophone() override {
     change([this] {
       take_ = nullptr;

@@ -33,10 +33,12 @@ enum SslWrapperState : int {
 /// shutdown after both have ended. A new handshake needs a new wrapper. What the wrapper holds is freed by
 /// shutdown and by nothing else.
 ///
-/// The two pipelines share one SSL, and in good order touch different halves of it. But of a damaged record,
-/// or a request to renegotiate, OpenSSL tells the peer by an alert that it writes from the reader thread,
-/// possibly while the writer enciphers: what the head unit sends from then on may be damaged too. A damaged
-/// record ends the link in any case.
+/// The two pipelines share one SSL and touch different halves of it, but for what OpenSSL notes of the last
+/// call: whether it wants more bytes. Only a failure is judged by that, so while the writer enciphers, the
+/// reason told for a failed read may be the wrong one. And of a damaged record, or a request to renegotiate,
+/// OpenSSL tells the peer by an alert that it writes from the reader thread, possibly while the writer
+/// enciphers: what the head unit sends from then on may be damaged too. A damaged record ends the link in any
+/// case.
 class VANTRY_EXPORT SslWrapper {
  public:
   SslWrapper() = default;

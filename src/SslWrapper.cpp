@@ -23,6 +23,18 @@ constexpr unsigned int MOST_HANDSHAKE_BYTES = 1U << 20;
 
 bool isPartialResult(int error) { return error == SSL_ERROR_WANT_READ || error == SSL_ERROR_WANT_WRITE; }
 
+/// Logs why a read failed with `result`; returns what SSL_get_error says of it.
+int logReadFailure(const SSL* ssl, int result) {
+  const char* file = nullptr;
+  int line = 0;
+  char text[256];  // as much as OpenSSL's own, which all threads of the process would share
+  ERR_error_string_n(ERR_get_error_all(&file, &line, nullptr, nullptr, nullptr), text, sizeof text);
+  const int sslError = SSL_get_error(ssl, result);
+  print_critical_i("[LHU] Detailed error=%s file=%s line=%d sslError=%d", text,
+                   file == nullptr ? "(null)" : file, line, sslError);
+  return sslError;
+}
+
 }  // namespace
 
 void SslWrapper::setCertificateVerificationTime(time_t time) {
@@ -120,18 +132,14 @@ int SslWrapper::decryptionPipelinePending() {
 int SslWrapper::decryptionPipelineDequeue(void* data, unsigned int length) {
   bool retry = false;
   for (;;) {
-    forgetOpenSslErrors();
     const int count = BIO_read(sslBio, data, static_cast<int>(length));
     if (count >= 0) {
       if (retry) continue;
       return count;
     }
-    const char* file = nullptr;
-    int line = 0;
-    const unsigned long failure = ERR_get_error_all(&file, &line, nullptr, nullptr, nullptr);
-    const int sslError = SSL_get_error(ssl, count);
-    print_critical_i("[LHU] Detailed error=%s file=%s line=%d sslError=%d",
-                     ERR_error_string(failure, nullptr), file == nullptr ? "" : file, line, sslError);
+    // Where only bytes lack OpenSSL reports nothing, so what is in its queue then was left there by the host.
+    if (SSL_want_read(ssl)) forgetOpenSslErrors();
+    const int sslError = logReadFailure(ssl, count);
     if (!BIO_should_retry(sslBio)) return count;
     retry = sslError != SSL_ERROR_WANT_READ;
     if (!retry) return count;

@@ -149,7 +149,8 @@ TEST_F(SslPipelineTest, AStaleErrorOfTheHostDoesNotShowAsTheReason) {
   ERR_raise(ERR_LIB_USER, 1);
   dequeues(100);
   EXPECT_THAT(log.critical(),
-              ElementsAre(MatchesRegex("\\[LHU\\] Detailed error=error:00000000:.* sslError=2")));
+              ElementsAre(MatchesRegex(
+                  "\\[LHU\\] Detailed error=error:00000000:.* file=\\(null\\) line=0 sslError=2")));
 }
 
 /// Frames whose payload is TLS.

@@ -109,7 +109,8 @@ class VANTRY_EXPORT ChannelManager {
   shared_ptr<Channel> nextChannelToServe();
   int encryptedSize(const Frame& frame, SslWrapper* wrapper);
   bool decryptInPlace(Frame* frame, SslWrapper* wrapper);
-  int deliver(const shared_ptr<Frame>& frame);
+  int deliver(shared_ptr<Frame> frame);
+  static shared_ptr<IoBuffer> messageIn(Frame* frame);
 
   shared_ptr<Channel> channels[256];
   std::atomic<MessageRouter*> router{nullptr};
@@ -118,5 +119,6 @@ class VANTRY_EXPORT ChannelManager {
   Semaphore outgoingFrames;
   std::atomic<SslWrapper*> sslWrapper{nullptr};
   int lastChannel = 255;
-  ChannelSet waiting;  // where to look for frames, so that idle channels cost nothing
+  shared_ptr<Frame> spareFrame;  // the reader's, from the last message that was one frame
+  ChannelSet waiting;            // where to look for frames, so that idle channels cost nothing
 };

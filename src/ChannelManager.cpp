@@ -1,5 +1,7 @@
 #include "ChannelManager.h"
 
+#include <utility>
+
 #include "BigEndian.h"
 #include "Log.h"
 #include "MessageRouter.h"
@@ -80,16 +82,16 @@ int ChannelManager::queueIncoming(const shared_ptr<IoBuffer>& buffer) {
     sendFramingError();
     return STATUS_FRAMING_ERROR;
   }
-  const shared_ptr<Frame> frame(new Frame());
+  shared_ptr<Frame> frame = spareFrame ? std::move(spareFrame) : shared_ptr<Frame>(new Frame());
   if (decodeFrame(frame, buffer) == STATUS_FRAMING_ERROR) {
     sendFramingError();
     return STATUS_FRAMING_ERROR;
   }
   if (frame->has(FRAME_FLAG_CONTROL)) return handleChannelControl(frame, buffer);
-  return deliver(frame);
+  return deliver(std::move(frame));
 }
 
-int ChannelManager::deliver(const shared_ptr<Frame>& frame) {
+int ChannelManager::deliver(shared_ptr<Frame> frame) {
   shared_ptr<Channel> channel;
   bool acceptable = false;
   bool complete = false;
@@ -98,10 +100,15 @@ int ChannelManager::deliver(const shared_ptr<Frame>& frame) {
     sendFramingError();
     return STATUS_FRAMING_ERROR;
   }
+  if (frame->kind() == FRAME_ATOMIC) {  // nothing to gather: most frames are whole messages
+    router.load()->routeMessage(frame->channelId, messageIn(&*frame));
+    spareFrame = std::move(frame);
+    return STATUS_SUCCESS;
+  }
   channel->enqueueIncoming(frame);
   if (!complete) return STATUS_SUCCESS;
 
-  const unsigned int unsent = frame->kind() == FRAME_ATOMIC ? 0 : unsentOf(&*channel);
+  const unsigned int unsent = unsentOf(&*channel);
   const shared_ptr<IoBuffer> message = framesToMessage(channel);
   if (!message) {
     sendFramingError();

@@ -82,14 +82,16 @@ int ChannelManager::checkFragment(const shared_ptr<Frame>& frame, shared_ptr<Cha
   return STATUS_SUCCESS;
 }
 
+shared_ptr<IoBuffer> ChannelManager::messageIn(Frame* frame) {
+  shared_ptr<IoBuffer> message = std::move(frame->buffer);
+  message->start = static_cast<unsigned int>(frame->payload - message->data);
+  message->end = message->start + frame->length;
+  return message;
+}
+
 shared_ptr<IoBuffer> ChannelManager::framesToMessage(const shared_ptr<Channel>& source) {
   shared_ptr<Frame> frame = source->dequeueIncoming();
-  if (frame->kind() == FRAME_ATOMIC) {
-    shared_ptr<IoBuffer> message = std::move(frame->buffer);
-    message->start = static_cast<unsigned int>(frame->payload - message->data);
-    message->end = message->start + frame->length;
-    return message;
-  }
+  if (frame->kind() == FRAME_ATOMIC) return messageIn(&*frame);
 
   const unsigned long long sent = frame->length + source->incomingLength();
   assert(sent <= frame->totalLength);  // checkFragment has let no more in

@@ -1,6 +1,7 @@
 #include "SslWrapper.h"
 
 #include <openssl/bio.h>
+#include <openssl/buffer.h>
 #include <openssl/err.h>
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
@@ -107,11 +108,15 @@ int SslWrapper::encryptionPipelineDequeue(void* data, unsigned int length) {
 }
 
 int SslWrapper::decryptionPipelineEnqueue(void* data, unsigned int length) {
-  const int left = static_cast<int>(BIO_pending(readBio));
-  if (left > 0) {
-    print_critical_i("[LHU] Throwing away %d bytes", left);
+  BUF_MEM* content = nullptr;
+  BIO_get_mem_ptr(readBio, &content);
+  if (content->length > 0) {
+    print_critical_i("[LHU] Throwing away %d bytes", static_cast<int>(content->length));
     static_cast<void>(BIO_reset(readBio));
   }
+  // OpenSSL clears what a memory BIO grows by, only for the write to fill it. What counts as there, it
+  // leaves.
+  content->length = std::min<std::size_t>(content->max, length);
   const int count = BIO_write(readBio, data, static_cast<int>(length));
   if (count < 1) {
     print_critical_i("[LHU] Failed to write data to the read bio!");

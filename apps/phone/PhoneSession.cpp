@@ -79,9 +79,14 @@ void PhoneSession::playVideo() {
   video_ = std::make_unique<MediaStream>(
       link_, timers_, options_.stream,
       videoOpener(sink->media_sink_service(), options_.wish, std::move(makeVideo_),
-                  {&car_.touches(), [this](Micros time) { sounds_.onPictureSent(time); }}),
+                  {&car_.touches(), [this](Micros time) { onPictureSent(time); }}),
       [this](const LinkEnd& end) { onVideoDone(end); });
   video_->start(link_->unusedChannel(), sink->id());
+}
+
+void PhoneSession::onPictureSent(Micros time) {
+  pictureTime_ = time;
+  sounds_.onPictureSent(time);
 }
 
 void PhoneSession::playSound() { sounds_.start(*link_->services(), options_.sounds, options_.makeSound); }

@@ -42,6 +42,8 @@ class PhoneSession : public LinkObserver {
   std::optional<Micros> handshakeTime() const { return handshakeTime_; }
   /// Null until the head unit's services are known.
   const MediaStream* video() const { return video_.get(); }
+  /// Of the last picture sent, since the first one.
+  Micros pictureTime() const { return pictureTime_; }
   const SoundPlayer& sounds() const { return sounds_; }
   const CarServices& car() const { return car_; }
   /// What went wrong beside the picture, in words; none of it ends the link.
@@ -54,6 +56,7 @@ class PhoneSession : public LinkObserver {
 
  private:
   void playVideo();
+  void onPictureSent(Micros time);
   void playSound();
   void addTrouble(const std::string& what, const LinkEnd& end);
   void onVideoDone(const LinkEnd& end);
@@ -76,6 +79,7 @@ class PhoneSession : public LinkObserver {
   std::optional<Timers::Id> watch_;
   Micros handshakeBegan_ = 0;
   Micros lastHeard_ = 0;
+  Micros pictureTime_ = 0;
   std::optional<Micros> handshakeTime_;
 };
 

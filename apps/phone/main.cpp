@@ -166,7 +166,10 @@ int runLink(const Options& options, Credentials credentials, std::unique_ptr<Vid
   Console console(&link, &timers);
   PhoneSession session(&link, &timers, sessionOptions(options, &output->journal),
                        videoFactory(options, std::move(video)));
-  ServicePlayers services(&link, &timers, std::move(songs));
+  // The map is in the test picture, and in no other.
+  const auto drive = [&session] { return session.pictureTime(); };
+  ServicePlayers services(&link, &timers, std::move(songs),
+                          options.video.empty() ? RouteClock(drive) : nullptr);
   SocketRunner runner(&link, &timers, &wake);
   runner.onWake([&session] { session.interrupt(); });
   console.watch(&session);

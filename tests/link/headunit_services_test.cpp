@@ -122,7 +122,7 @@ TEST_F(HeadunitServices, FillTheClusterFromThePhone) {
     return view.turn.meters >= 0 && view.media.known && !view.media.song.empty() && view.phone.known &&
            !view.browser.loading && !view.browser.entries.empty() && view.tuner.on;
   }));
-  passes(5);
+  passes(7);
   decodes();
   const ClusterView view = cluster.view();
   EXPECT_EQ(view.turn.road, "Mill Lane");
@@ -146,7 +146,7 @@ TEST_F(HeadunitServices, CountWhatCame) {
     return view.turn.meters >= 0 && totals.pairingsAccepted == 1 && totals.radioCommands == 2 &&
            totals.browserPages == 2 && totals.notificationsAcknowledged == 1;
   }));
-  passes(5);
+  passes(7);
   const ServiceTotals totals = services->totals();
   EXPECT_EQ(totals.pairingsAccepted, 1U);
   EXPECT_EQ(totals.radioCommands, 2U);

@@ -14,6 +14,7 @@ namespace test {
 namespace {
 
 using phone::Micros;
+using Turn = NavigationNextTurnEvent;
 
 constexpr Micros SECOND = 1'000'000;
 
@@ -231,15 +232,79 @@ TEST(PhoneBrowser, EnterOnASongPlaysIt) {
   EXPECT_EQ(phone.playlist.current().title, "Song 7");
 }
 
+/// A player of the route on a link that never comes up, asked to guide.
+struct Guided {
+  phone::PhoneLink link{phone::LinkOptions()};
+  phone::Timers timers;
+  phone::RoutePlayer player;
+
+  explicit Guided(phone::RouteClock clock) : player(&link, &timers, {}, std::move(clock)) {
+    phone::Message start;
+    start.bytes = phone::messageBytes(MESSAGE_NAVIGATION_STATUS_START, NavigationStatusStart());
+    player.onMessage(start);
+  }
+
+  /// Takes away all that it has told.
+  template <class Record>
+  std::vector<Record> told(int type) {
+    phone::FrameDecoder decoder;
+    const phone::Bytes sent = link.takeOutput();
+    decoder.feed(sent.data(), sent.size());
+    std::vector<Record> records;
+    for (phone::Frame frame; decoder.next(&frame);) {
+      if ((frame.payload[0] << 8 | frame.payload[1]) != type) continue;
+      Record record;
+      EXPECT_TRUE(
+          record.ParseFromArray(frame.payload.data() + 2, static_cast<int>(frame.payload.size() - 2)));
+      records.push_back(record);
+    }
+    return records;
+  }
+};
+
+TEST(PhoneRoutePlayer, GuidesRoundTheRoute) {
+  Guided guided(nullptr);
+  for (Micros now = 0; now <= 60 * SECOND; now += SECOND / 2) guided.timers.advance(now);
+  const auto turns = guided.told<Turn>(MESSAGE_NAVIGATION_NEXT_TURN_EVENT);
+  ASSERT_GT(turns.size(), phone::Route::LEGS) << "more than one round";
+  for (std::size_t i = 0; i < turns.size(); ++i) {
+    const std::size_t leg = i % phone::Route::LEGS;
+    EXPECT_EQ(turns[i].road(), phone::Route::roadBehind(leg));
+    EXPECT_EQ(turns[i].turn_side(), phone::Route::turnsRight(leg) ? Turn::RIGHT : Turn::LEFT) << i;
+    EXPECT_EQ(turns[i].turn_angle(), phone::Route::turnsRight(leg) ? 90 : 270) << i;
+  }
+}
+
+TEST(PhoneRoutePlayer, TellsTheTurnThatThePictureShows) {
+  const Micros shown = 8 * SECOND;
+  Guided guided([shown] { return shown; });
+  const auto turns = guided.told<Turn>(MESSAGE_NAVIGATION_NEXT_TURN_EVENT);
+  ASSERT_EQ(turns.size(), 1u);
+  EXPECT_EQ(turns[0].road(), "Mill Lane");
+  EXPECT_EQ(turns[0].road(), phone::Route::roadBehind(phone::Route().placeAt(shown).leg));
+}
+
+TEST(PhoneRoutePlayer, TellsTheDistanceThatThePictureShows) {
+  const Micros shown = 8 * SECOND;
+  Guided guided([shown] { return shown; });
+  const phone::Route::Place place = phone::Route().placeAt(shown);
+  const auto distances =
+      guided.told<NavigationNextTurnDistanceEvent>(MESSAGE_NAVIGATION_NEXT_TURN_DISTANCE_EVENT);
+  ASSERT_EQ(distances.size(), 1u);
+  EXPECT_GT(distances[0].distance_meters(), 0);
+  EXPECT_EQ(distances[0].distance_meters(), static_cast<int>(place.metres));
+  EXPECT_EQ(distances[0].time_to_turn_seconds(), static_cast<int>(place.secondsLeft));
+}
+
 TEST(PhoneTurnImage, IsAPngOfTheWantedSizeAndDiffersByAngle) {
-  const phone::Bytes right = phone::drawTurn(90, false, 64, 48);
+  const phone::Bytes right = phone::drawTurn(90, 64, 48);
   ASSERT_GT(right.size(), 24u);
   EXPECT_EQ(phone::readBigEndian<std::uint32_t>(&right[16]), 64u);
   EXPECT_EQ(phone::readBigEndian<std::uint32_t>(&right[20]), 48u);
-  EXPECT_NE(right, phone::drawTurn(-90, false, 64, 48));
-  EXPECT_NE(right, phone::drawTurn(90, true, 64, 48));
-  EXPECT_TRUE(phone::drawTurn(0, false, 0, 48).empty());
-  EXPECT_TRUE(phone::drawTurn(0, false, 5000, 48).empty());
+  EXPECT_NE(right, phone::drawTurn(-90, 64, 48));
+  EXPECT_NE(right, phone::drawTurn(130, 64, 48));
+  EXPECT_TRUE(phone::drawTurn(0, 0, 48).empty());
+  EXPECT_TRUE(phone::drawTurn(0, 5000, 48).empty());
 }
 
 }  // namespace

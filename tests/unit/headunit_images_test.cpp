@@ -25,7 +25,7 @@ TEST(HeadunitImageDecoder, DecodesAPngWithTransparency) {
 }
 
 TEST(HeadunitImageDecoder, DecodesWhatThePhoneDraws) {
-  const Image turn = decodeImage(textOf(phone::drawTurn(90, false, 128, 96)));
+  const Image turn = decodeImage(textOf(phone::drawTurn(90, 128, 96)));
   ASSERT_TRUE(turn);
   EXPECT_EQ(turn->size.width, 128);
   EXPECT_EQ(turn->size.height, 96);
@@ -35,7 +35,7 @@ TEST(HeadunitImageDecoder, DecodesWhatThePhoneDraws) {
 }
 
 TEST(HeadunitImageDecoder, MakesLargePicturesSmallerInProportion) {
-  const Image image = decodeImage(textOf(phone::drawTurn(90, false, 1024, 256)));
+  const Image image = decodeImage(textOf(phone::drawTurn(90, 1024, 256)));
   ASSERT_TRUE(image);
   EXPECT_EQ(image->size.width, 512);
   EXPECT_EQ(image->size.height, 128);
@@ -43,7 +43,7 @@ TEST(HeadunitImageDecoder, MakesLargePicturesSmallerInProportion) {
 }
 
 TEST(HeadunitImageDecoder, NoColourExceedsItsAlpha) {
-  const Image turn = decodeImage(textOf(phone::drawTurn(40, true, 64, 64)));
+  const Image turn = decodeImage(textOf(phone::drawTurn(40, 64, 64)));
   ASSERT_TRUE(turn);
   for (const std::uint32_t pixel : turn->pixels) {
     const std::uint32_t alpha = pixel >> 24;

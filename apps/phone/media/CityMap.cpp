@@ -9,18 +9,12 @@ namespace {
 
 constexpr float WIDTH = 1280;  // map units
 constexpr float HEIGHT = 896;
-constexpr float UNITS_PER_SECOND = 62;
-constexpr float STREET = 9;   // half a street's width
-constexpr float CORNER = 34;  // how far before a crossing the route begins to turn
+constexpr float STREET = 9;  // half a street's width
 
 constexpr std::array<float, 9> STREETS_DOWN{0, 148, 330, 474, 640, 806, 960, 1118, 1280};
 constexpr std::array<float, 8> STREETS_ACROSS{0, 130, 262, 400, 536, 680, 790, 896};
 constexpr std::array<float, 2> AVENUES_DOWN{330, 960};
 constexpr std::array<float, 2> AVENUES_ACROSS{130, 680};
-
-// The last one is the first one again, a whole map further to the right and up.
-constexpr std::array<Point, CityMap::LEGS + 1> CORNERS{
-    {{330, 790}, {330, 400}, {640, 400}, {640, 130}, {960, 130}, {960, -106}, {1610, -106}}};
 
 constexpr Colour GROUND = colour(0x2a3240);
 constexpr Colour BLOCK = colour(0x1a212c);
@@ -46,61 +40,16 @@ int evenSize(float length) { return 2 * static_cast<int>(std::lround(length / 2)
 
 }  // namespace
 
-CityMap::CityMap(float scale)
+CityMap::CityMap(const Route& route, float scale)
     : scale_(scale), width_(evenSize(WIDTH * scale)), height_(evenSize(HEIGHT * scale)) {
-  traceRoute();
   Canvas canvas(width_, height_, true);
   canvas.fill(GROUND);
   paintBlocks(&canvas);
   paintWater(&canvas);
   paintAvenues(&canvas);
-  paintRoute(&canvas);
+  paintRoute(&canvas, route);
   keepPlanes(canvas);
 }
-
-// Straight from one corner to the next, with the corners rounded.
-void CityMap::traceRoute() {
-  const auto append = [this](Point at, std::size_t leg) {
-    const float so_far = route_.empty() ? 0 : route_.back().distance + length(at - route_.back().at);
-    route_.push_back({at, so_far, leg});
-  };
-  const Point round = CORNERS[LEGS] - CORNERS[0];
-  append(CORNERS[0] + Point{0, -CORNER}, 0);
-  for (std::size_t leg = 0; leg < LEGS; ++leg) {
-    const Point corner = CORNERS[leg + 1];
-    const Point before = corner - CORNERS[leg];
-    const Point after = leg + 2 <= LEGS ? CORNERS[leg + 2] - corner : CORNERS[1] + round - corner;
-    const Point enter = corner - before * (CORNER / length(before));
-    const Point leave = corner + after * (CORNER / length(after));
-    for (int i = 0; i <= 12; ++i) {
-      const float t = static_cast<float>(i) / 12;
-      append(enter * ((1 - t) * (1 - t)) + corner * (2 * t * (1 - t)) + leave * (t * t), leg);
-    }
-  }
-}
-
-CityMap::Place CityMap::placeAt(std::int64_t timeUs) const {
-  const double whole = route_.back().distance;
-  const double travelled = static_cast<double>(timeUs) * 1e-6 * UNITS_PER_SECOND;
-  const double rounds = std::floor(travelled / whole);
-  const auto distance = static_cast<float>(travelled - rounds * whole);
-  std::size_t next = 1;
-  while (next + 1 < route_.size() && route_[next].distance <= distance) ++next;
-  const Step& from = route_[next - 1];
-  const Step& to = route_[next];
-  std::size_t last = next;
-  while (last + 1 < route_.size() && route_[last + 1].leg == to.leg) ++last;
-
-  const Point way = to.at - from.at;
-  Place place;
-  place.position = (from.at + way * ((distance - from.distance) / length(way))) * scale_;
-  place.heading = way * (1 / length(way));
-  place.leg = to.leg;
-  place.toTurn = std::max(0.0F, route_[last].distance - CORNER / 2 - distance);
-  return place;
-}
-
-bool CityMap::turnsRight(std::size_t leg) { return leg % 2 == 0; }
 
 void CityMap::paintBlocks(Canvas* canvas) const {
   for (std::size_t i = 0; i + 1 < STREETS_DOWN.size(); ++i) {
@@ -158,12 +107,13 @@ void CityMap::paintAvenues(Canvas* canvas) const {
   canvas->paint(avenues, AVENUE);
 }
 
-void CityMap::paintRoute(Canvas* canvas) const {
+void CityMap::paintRoute(Canvas* canvas, const Route& route) const {
   Mask edge(width_, height_, true);
   Mask line(width_, height_, true);
-  for (std::size_t i = 1; i < route_.size(); ++i) {
-    const Point from = route_[i - 1].at * scale_;
-    const Point to = route_[i].at * scale_;
+  const std::vector<Route::Step>& steps = route.steps();
+  for (std::size_t i = 1; i < steps.size(); ++i) {
+    const Point from = steps[i - 1].at * scale_;
+    const Point to = steps[i].at * scale_;
     edge.add(Capsule{from, to, 8 * scale_});
     line.add(Capsule{from, to, 5 * scale_});
   }
@@ -197,8 +147,8 @@ void CityMap::draw(const YuvView& picture, int rows, Point position, Point centr
     const int pixel = static_cast<int>(std::lround(offset)) % size;
     return pixel < 0 ? pixel + size : pixel;
   };
-  const int left = wrap(position.x - centre.x, width_);
-  const int top = wrap(position.y - centre.y, height_);
+  const int left = wrap(position.x * scale_ - centre.x, width_);
+  const int top = wrap(position.y * scale_ - centre.y, height_);
   const int phase = top % 2 * 2 + left % 2;
   for (int plane = 0; plane < 3; ++plane) {
     const int step = plane == 0 ? 1 : 2;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -22,9 +23,6 @@ constexpr Colour CAR_HALO = colour(0x3f9bff);
 constexpr std::array<Colour, 6> FINGERS{colour(0xffb340), colour(0x4fe0c4), colour(0xff6f91),
                                         colour(0xb18cff), colour(0x8fdc5c), colour(0x62c6ff)};
 
-constexpr std::array<const char*, CityMap::LEGS> STREET_NAMES{"HARBOUR ROAD", "MILL LANE",    "MARKET STREET",
-                                                              "STATION ROAD", "RIVER AVENUE", "NORTH BRIDGE"};
-
 // Lengths for a picture of 800x480.
 constexpr float MARGIN = 16;
 constexpr float TURN_WIDTH = 236, TURN_HEIGHT = 92;
@@ -35,6 +33,11 @@ constexpr std::int64_t PULSE_US = 1'600'000;
 
 float share(std::int64_t time, std::int64_t period) {
   return static_cast<float>(time % period) / static_cast<float>(period);
+}
+
+std::string capitals(std::string text) {
+  for (char& letter : text) letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+  return text;
 }
 
 std::string clockText(std::int64_t timeUs) {
@@ -57,7 +60,7 @@ Dashboard::Dashboard(int width, int height, float scale)
       leadingZeros_({36 * scale, 4.6F * scale, 8 * scale}, FAINT),
       clock_({16 * scale, 2.1F * scale, 5.6F * scale}, WHITE),
       finger_({16 * scale, 3 * scale, 5 * scale}, WHITE) {
-  for (std::size_t leg = 0; leg < CityMap::LEGS; ++leg) turnCards_.push_back(turnCard(leg));
+  for (std::size_t leg = 0; leg < Route::LEGS; ++leg) turnCards_.push_back(turnCard(leg));
   frameCard_ = frameCard();
   stripFrame_ = stripFrame();
   Canvas unit(scaled(16), scaled(14));
@@ -89,7 +92,7 @@ Sprite Dashboard::turnCard(std::size_t leg) const {
   Canvas canvas = card(TURN_WIDTH, TURN_HEIGHT);
   canvas.paint(RoundedBox{Point{14, 14} * scale_, Point{78, 78} * scale_, 10 * scale_}, ACCENT, 1);
   Mask arrow(canvas.width(), canvas.height());
-  const float side = CityMap::turnsRight(leg) ? 1.0F : -1.0F;
+  const float side = Route::turnsRight(leg) ? 1.0F : -1.0F;
   const auto stroke = [&](Point from, Point to) {
     const Point middle{46, 46};
     const auto place = [&](Point p) { return (middle + Point{side * p.x, p.y}) * scale_; };
@@ -102,7 +105,7 @@ Sprite Dashboard::turnCard(std::size_t leg) const {
   stroke({17, -8}, {8, -17});
   stroke({17, -8}, {8, 1});
   canvas.paint(arrow, WHITE);
-  label(&canvas, STREET_NAMES[leg], {95, 67}, GREY);
+  label(&canvas, capitals(Route::roadBehind(leg)), {95, 67}, GREY);
   return Sprite(canvas);
 }
 
@@ -134,7 +137,7 @@ Sprite Dashboard::stripFrame() const {
   return Sprite(canvas);
 }
 
-void Dashboard::drawCar(const YuvView& picture, const TestFrame& frame, const CityMap::Place& place) const {
+void Dashboard::drawCar(const YuvView& picture, const TestFrame& frame, const Route::Place& place) const {
   const float pulse = share(frame.timeUs, PULSE_US);
   paint(picture, Ring{car_, (24 + 30 * pulse) * scale_, 1.5F * scale_}, CAR_HALO, 0.7F * (1 - pulse));
   paint(picture, Capsule{car_, car_, 25 * scale_}, CAR_HALO, 0.28F);
@@ -148,11 +151,10 @@ void Dashboard::drawCar(const YuvView& picture, const TestFrame& frame, const Ci
   paint(picture, arrow(1), CAR, 1);
 }
 
-void Dashboard::drawCards(const YuvView& picture, const TestFrame& frame, const CityMap::Place& place) const {
+void Dashboard::drawCards(const YuvView& picture, const TestFrame& frame, const Route::Place& place) const {
   const int margin = scaled(MARGIN);
   turnCards_[place.leg].draw(picture, margin, margin);
-  const int metres = static_cast<int>(place.toTurn) / 5 * 5;
-  const std::string distance = std::to_string(metres);
+  const std::string distance = std::to_string(static_cast<int>(place.metres));
   const int unitLeft = margin + scaled(92) + distance_.width(distance);
   distance_.draw(picture, distance, margin + scaled(91), margin + scaled(18));
   metres_.draw(picture, unitLeft, margin + scaled(18) + distance_.height() - metres_.height());

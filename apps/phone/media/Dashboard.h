@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "phone/media/Canvas.h"
-#include "phone/media/CityMap.h"
 #include "phone/media/Digits.h"
+#include "phone/media/Route.h"
 #include "phone/media/TestPicture.h"
 
 namespace phone {
@@ -19,8 +19,8 @@ class Dashboard {
   /// Where the car stands in the picture.
   Point carPosition() const { return car_; }
 
-  void drawCar(const YuvView& picture, const TestFrame& frame, const CityMap::Place& place) const;
-  void drawCards(const YuvView& picture, const TestFrame& frame, const CityMap::Place& place) const;
+  void drawCar(const YuvView& picture, const TestFrame& frame, const Route::Place& place) const;
+  void drawCards(const YuvView& picture, const TestFrame& frame, const Route::Place& place) const;
   void drawTouches(const YuvView& picture, const TestFrame& frame) const;
   void drawStripFrame(const YuvView& picture, const TestFrame& frame) const;
 

@@ -33,8 +33,9 @@ std::optional<TouchEvidence> touchesIn(const LumaView& picture) {
 
 struct TestPicturePainter::Parts {
   Parts(int width, int height)
-      : map(scaleFor(width, height)), dashboard(width, height, scaleFor(width, height)) {}
+      : map(route, scaleFor(width, height)), dashboard(width, height, scaleFor(width, height)) {}
 
+  Route route;
   CityMap map;
   Dashboard dashboard;
 };
@@ -46,7 +47,7 @@ TestPicturePainter::~TestPicturePainter() = default;
 
 void TestPicturePainter::draw(const TestFrame& frame, const YuvView& picture) const {
   const Dashboard& dashboard = parts_->dashboard;
-  const CityMap::Place place = parts_->map.placeAt(frame.timeUs);
+  const Route::Place place = parts_->route.placeAt(frame.timeUs);
   const int mapRows = picture.height - stripHeight(picture.height);
   parts_->map.draw(picture, mapRows, place.position, dashboard.carPosition());
   dashboard.drawCar(picture, frame, place);

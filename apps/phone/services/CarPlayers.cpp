@@ -1,7 +1,7 @@
 #include "phone/services/CarPlayers.h"
 
 #include <algorithm>
-#include <iterator>
+#include <utility>
 
 #include "phone/services/TurnImage.h"
 
@@ -11,27 +11,6 @@ namespace {
 
 constexpr Micros second = 1'000'000;
 constexpr Micros scanInterval = 8 * second;
-constexpr int metresPerSecond = 14;
-
-struct Turn {
-  const char* road;
-  NavigationNextTurnEvent_NextTurnEnum event;
-  NavigationNextTurnEvent_TurnSide side;
-  int angle;   ///< Degrees to the right of straight on.
-  int number;  ///< The exit of a roundabout; 0 if it has none.
-  int metres;  ///< From the turn before.
-};
-
-using Event = NavigationNextTurnEvent;
-const Turn route[] = {
-    {"Harbour Street", Event::DEPART, Event::UNSPECIFIED, 0, 0, 60},
-    {"Mill Lane", Event::TURN, Event::RIGHT, 90, 0, 180},
-    {"Orchard Road", Event::SLIGHT_TURN, Event::LEFT, -40, 0, 240},
-    {"Ring Road", Event::ROUNDABOUT_ENTER_AND_EXIT, Event::RIGHT, 60, 2, 320},
-    {"Station Square", Event::SHARP_TURN, Event::LEFT, -130, 0, 200},
-    {"Quay Side", Event::DESTINATION, Event::RIGHT, 0, 0, 150},
-};
-
 }  // namespace
 
 // ---- Bluetooth ----
@@ -84,12 +63,16 @@ void RadioPlayer::onMessage(const Message& message) {
 
 // ---- Navigation ----
 
+RoutePlayer::RoutePlayer(PhoneLink* link, Timers* timers, const NavigationStatusService& service,
+                         RouteClock clock)
+    : ServicePlayer(link, timers), service_(service), clock_(std::move(clock)), began_(now()) {}
+
 void RoutePlayer::onMessage(const Message& message) {
   NavigationStatus status;
   if (message.type() == MESSAGE_NAVIGATION_STATUS_START) {
     status.set_status(NavigationStatus_NavigationStatusEnum_ACTIVE);
     send(MESSAGE_NAVIGATION_STATUS, status);
-    tellTurn();
+    leg_.reset();
     onTime();
   } else if (message.type() == MESSAGE_NAVIGATION_STATUS_STOP) {
     status.set_status(NavigationStatus_NavigationStatusEnum_INACTIVE);
@@ -99,36 +82,32 @@ void RoutePlayer::onMessage(const Message& message) {
 }
 
 void RoutePlayer::onTime() {
-  const Micros interval = std::max<Micros>(service_.minimum_interval_ms() * Micros{1000}, second / 2);
-  tellDistance();
-  wake(interval);
-  metres_ -= static_cast<int>(metresPerSecond * interval / second);
-  if (metres_ > 0) return;
-  turn_ = (turn_ + 1) % std::size(route);
-  tellTurn();
+  const Route::Place place = route_.placeAt(clock_ ? clock_() : now() - began_);
+  if (leg_ != place.leg) tellTurn(place.leg);
+  leg_ = place.leg;
+  tellDistance(place);
+  wake(std::max<Micros>(service_.minimum_interval_ms() * Micros{1000}, second / 2));
 }
 
-void RoutePlayer::tellTurn() {
-  const Turn& next = route[turn_];
-  metres_ = next.metres;
+void RoutePlayer::tellTurn(std::size_t leg) {
+  const int angle = Route::turnsRight(leg) ? 90 : -90;
   NavigationNextTurnEvent record;
-  record.set_road(next.road);
-  record.set_turn_side(next.side);
-  record.set_event(next.event);
-  if (next.number > 0) record.set_turn_number(next.number);
-  record.set_turn_angle((next.angle + 360) % 360);
+  record.set_road(Route::roadBehind(leg));
+  record.set_turn_side(angle > 0 ? NavigationNextTurnEvent::RIGHT : NavigationNextTurnEvent::LEFT);
+  record.set_event(NavigationNextTurnEvent::TURN);
+  record.set_turn_angle((angle + 360) % 360);
   if (service_.type() == NavigationStatusService_InstrumentClusterType_IMAGE) {
     const auto& size = service_.image_options();
-    const Bytes png = drawTurn(next.angle, next.number > 0, size.width(), size.height());
+    const Bytes png = drawTurn(angle, size.width(), size.height());
     record.set_image(png.data(), png.size());
   }
   send(MESSAGE_NAVIGATION_NEXT_TURN_EVENT, record);
 }
 
-void RoutePlayer::tellDistance() {
+void RoutePlayer::tellDistance(const Route::Place& place) {
   NavigationNextTurnDistanceEvent record;
-  record.set_distance_meters(std::max(metres_, 0));
-  record.set_time_to_turn_seconds(std::max(metres_, 0) / metresPerSecond);
+  record.set_distance_meters(static_cast<int>(place.metres));
+  record.set_time_to_turn_seconds(static_cast<int>(place.secondsLeft));
   send(MESSAGE_NAVIGATION_NEXT_TURN_DISTANCE_EVENT, record);
 }
 

@@ -1,6 +1,10 @@
 #ifndef PHONE_SERVICES_CARPLAYERS_H
 #define PHONE_SERVICES_CARPLAYERS_H
 
+#include <functional>
+#include <optional>
+
+#include "phone/media/Route.h"
 #include "phone/services/ServicePlayer.h"
 
 namespace phone {
@@ -39,22 +43,28 @@ class RadioPlayer : public ServicePlayer {
   RadioService service_;
 };
 
-/// Guides along a route, round and round, from the head unit's start to its stop.
+/// The time since the drive began.
+using RouteClock = std::function<Micros()>;
+
+/// Guides along the route, from the head unit's start to its stop.
 class RoutePlayer : public ServicePlayer {
  public:
-  RoutePlayer(PhoneLink* link, Timers* timers, const NavigationStatusService& service)
-      : ServicePlayer(link, timers), service_(service) {}
+  /// Without a `clock` the drive begins now.
+  RoutePlayer(PhoneLink* link, Timers* timers, const NavigationStatusService& service, RouteClock clock);
   void onMessage(const Message& message) override;
 
  protected:
   void onTime() override;
 
  private:
-  void tellTurn();
-  void tellDistance();
-  NavigationStatusService service_;
-  std::size_t turn_ = 0;
-  int metres_ = 0;
+  void tellTurn(std::size_t leg);
+  void tellDistance(const Route::Place& place);
+
+  const NavigationStatusService service_;
+  const RouteClock clock_;
+  const Micros began_;
+  const Route route_;
+  std::optional<std::size_t> leg_;  // whose turn has been told
 };
 
 }  // namespace phone

@@ -1,13 +1,12 @@
 #include "phone/services/ServicePlayers.h"
 
 #include "phone/services/BrowserPlayer.h"
-#include "phone/services/CarPlayers.h"
 #include "phone/services/ClusterPlayers.h"
 
 namespace phone {
 
-ServicePlayers::ServicePlayers(PhoneLink* link, Timers* timers, std::vector<Song> songs)
-    : link_(link), timers_(timers), playlist_(std::move(songs)) {
+ServicePlayers::ServicePlayers(PhoneLink* link, Timers* timers, std::vector<Song> songs, RouteClock drive)
+    : link_(link), timers_(timers), playlist_(std::move(songs)), drive_(std::move(drive)) {
   link_->observe(this);
 }
 
@@ -28,7 +27,7 @@ std::unique_ptr<ServicePlayer> ServicePlayers::playerFor(const Service& service)
   if (service.has_radio_service())
     return std::make_unique<RadioPlayer>(link_, timers_, service.radio_service());
   if (service.has_navigation_status_service()) {
-    return std::make_unique<RoutePlayer>(link_, timers_, service.navigation_status_service());
+    return std::make_unique<RoutePlayer>(link_, timers_, service.navigation_status_service(), drive_);
   }
   if (service.has_media_playback_service())
     return std::make_unique<PlaybackPlayer>(link_, timers_, &playlist_);

@@ -3,8 +3,8 @@
 
 #include <memory>
 
+#include "phone/services/CarPlayers.h"
 #include "phone/services/Playlist.h"
-#include "phone/services/ServicePlayer.h"
 
 namespace phone {
 
@@ -12,8 +12,9 @@ namespace phone {
 /// phone on each. `link` and `timers` outlive it; it outlives the link's end.
 class ServicePlayers : public LinkObserver {
  public:
-  /// `songs`, at least one, are what plays and what can be browsed.
-  ServicePlayers(PhoneLink* link, Timers* timers, std::vector<Song> songs);
+  /// `songs`, at least one, are what plays and what can be browsed. `drive` tells how far the picture that is
+  /// shown has got on the route, if one shows it.
+  ServicePlayers(PhoneLink* link, Timers* timers, std::vector<Song> songs, RouteClock drive = nullptr);
 
   void onState(LinkState state) override;
 
@@ -27,6 +28,7 @@ class ServicePlayers : public LinkObserver {
   PhoneLink* link_;
   Timers* timers_;
   Playlist playlist_;
+  RouteClock drive_;
   std::vector<std::unique_ptr<ServicePlayer>> players_;
 };
 

@@ -13,14 +13,8 @@ constexpr std::uint8_t ink[3] = {94, 224, 173};
 
 struct Arrow {
   Capsule stem, branch, leftBarb, rightBarb;
-  Ring ring;
-  bool hasRing;
 
-  int at(Point p) const {
-    float distance = std::min({stem(p), branch(p), leftBarb(p), rightBarb(p)});
-    if (hasRing) distance = std::min(distance, ring(p));
-    return coverage(distance);
-  }
+  int at(Point p) const { return coverage(std::min({stem(p), branch(p), leftBarb(p), rightBarb(p)})); }
 };
 
 Point towards(float degrees) {
@@ -28,31 +22,26 @@ Point towards(float degrees) {
   return {std::sin(radians), -std::cos(radians)};
 }
 
-Arrow arrowFor(float angle, bool roundabout, float width, float height) {
+Arrow arrowFor(float angle, float width, float height) {
   const float size = std::min(width, height);
   const bool sharp = std::abs(angle) > 100;  // bends higher up and aside, so that the tip clears the stem
   const Point bend = sharp ? Point{towards(angle).x * -0.2F, -0.26F} * size : Point{0, 0};
   const Point middle = Point{width / 2, height / 2} + bend;
   const float stroke = size / 16;
   const Point tip = middle + towards(angle) * (size * (sharp ? 0.5F : 0.36F));
-  const float inner = roundabout ? size * 0.16F : 0;
   const auto barb = [&](float turn) {
     return Capsule{tip, tip + towards(angle + turn) * (size * 0.17F), stroke};
   };
-  return {{{middle.x, height / 2 + size * 0.42F}, middle + Point{0, inner}, stroke},
-          {middle + towards(angle) * inner, tip, stroke},
-          barb(140),
-          barb(-140),
-          {middle, inner, stroke},
-          roundabout};
+  return {
+      {{middle.x, height / 2 + size * 0.42F}, middle, stroke}, {middle, tip, stroke}, barb(140), barb(-140)};
 }
 
 }  // namespace
 
-Bytes drawTurn(int angle, bool roundabout, int width, int height) {
+Bytes drawTurn(int angle, int width, int height) {
   if (width <= 0 || height <= 0 || width > largest || height > largest) return {};
   const Arrow arrow =
-      arrowFor(static_cast<float>(angle), roundabout, static_cast<float>(width), static_cast<float>(height));
+      arrowFor(static_cast<float>(angle), static_cast<float>(width), static_cast<float>(height));
   Bytes rgb;
   rgb.reserve(static_cast<std::size_t>(width * height) * 3);
   for (int y = 0; y < height; ++y) {

@@ -5,9 +5,9 @@
 
 namespace phone {
 
-/// A PNG with an arrow that comes from below and leaves at `angle` degrees to the right of straight on,
-/// through a roundabout if there is one. Empty if the size is no picture's.
-Bytes drawTurn(int angle, bool roundabout, int width, int height);
+/// A PNG with an arrow that comes from below and leaves at `angle` degrees to the right of straight on.
+/// Empty if the size is no picture's.
+Bytes drawTurn(int angle, int width, int height);
 
 }  // namespace phone
 

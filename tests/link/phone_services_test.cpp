@@ -275,19 +275,19 @@ TEST(PhoneRoutePlayer, GuidesRoundTheRoute) {
   }
 }
 
+constexpr Micros SHOWN = 8 * SECOND;  // of the picture
+
 TEST(PhoneRoutePlayer, TellsTheTurnThatThePictureShows) {
-  const Micros shown = 8 * SECOND;
-  Guided guided([shown] { return shown; });
+  Guided guided([] { return SHOWN; });
   const auto turns = guided.told<Turn>(MESSAGE_NAVIGATION_NEXT_TURN_EVENT);
   ASSERT_EQ(turns.size(), 1u);
   EXPECT_EQ(turns[0].road(), "Mill Lane");
-  EXPECT_EQ(turns[0].road(), phone::Route::roadBehind(phone::Route().placeAt(shown).leg));
+  EXPECT_EQ(turns[0].road(), phone::Route::roadBehind(phone::Route().placeAt(SHOWN).leg));
 }
 
 TEST(PhoneRoutePlayer, TellsTheDistanceThatThePictureShows) {
-  const Micros shown = 8 * SECOND;
-  Guided guided([shown] { return shown; });
-  const phone::Route::Place place = phone::Route().placeAt(shown);
+  Guided guided([] { return SHOWN; });
+  const phone::Route::Place place = phone::Route().placeAt(SHOWN);
   const auto distances =
       guided.told<NavigationNextTurnDistanceEvent>(MESSAGE_NAVIGATION_NEXT_TURN_DISTANCE_EVENT);
   ASSERT_EQ(distances.size(), 1u);

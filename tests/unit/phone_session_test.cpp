@@ -107,6 +107,12 @@ TEST_F(PhoneSessionTest, PlaysInTheWantedSizeAndSaysGoodBye) {
   EXPECT_EQ(timers.next(), std::nullopt);
 }
 
+TEST_F(PhoneSessionTest, TellsTheTimeOfThePictureThatWasSentLast) {
+  EXPECT_EQ(session().pictureTime(), 0);
+  play();
+  EXPECT_EQ(session().pictureTime(), 66'000);
+}
+
 TEST_F(PhoneSessionTest, PlaysInTheFirstAllowedSizeWhereTheWantedOneIsNot) {
   options.wish.size = {1920, 1080};
   bringUp();

@@ -36,6 +36,18 @@ int logReadFailure(const SSL* ssl, int result) {
   return sslError;
 }
 
+/// Throws away what a former frame left in `memory`, which is about to be given `length` bytes.
+void emptyFor(unsigned int length, BIO* memory) {
+  BUF_MEM* content = nullptr;
+  if (BIO_get_mem_ptr(memory, &content) != 1) return;
+  if (content->length > 0) {
+    print_critical_i("[LHU] Throwing away %d bytes", static_cast<int>(content->length));
+    static_cast<void>(BIO_reset(memory));
+  }
+  // OpenSSL clears what a memory BIO grows by, only for the write to fill it; but not what counts as there.
+  content->length = std::min<std::size_t>(content->max, length);
+}
+
 }  // namespace
 
 void SslWrapper::setCertificateVerificationTime(time_t time) {
@@ -108,15 +120,7 @@ int SslWrapper::encryptionPipelineDequeue(void* data, unsigned int length) {
 }
 
 int SslWrapper::decryptionPipelineEnqueue(void* data, unsigned int length) {
-  BUF_MEM* content = nullptr;
-  BIO_get_mem_ptr(readBio, &content);
-  if (content->length > 0) {
-    print_critical_i("[LHU] Throwing away %d bytes", static_cast<int>(content->length));
-    static_cast<void>(BIO_reset(readBio));
-  }
-  // OpenSSL clears what a memory BIO grows by, only for the write to fill it. What counts as there, it
-  // leaves.
-  content->length = std::min<std::size_t>(content->max, length);
+  emptyFor(length, readBio);
   const int count = BIO_write(readBio, data, static_cast<int>(length));
   if (count < 1) {
     print_critical_i("[LHU] Failed to write data to the read bio!");

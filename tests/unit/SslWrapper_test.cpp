@@ -117,6 +117,13 @@ TEST_F(SslWrapperTest, WithoutACertificateStoreInitFails) {
   expectFailure("[LHU] Failed to allocate x509 store.");
 }
 
+TEST_F(SslWrapperTest, WithoutInitNoCiphertextIsTaken) {
+  Bytes record(5, 0);
+  EXPECT_LT(wrapper.decryptionPipelineEnqueue(record.data(), 5), 1);
+  EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Failed to write data to the read bio!"));
+  EXPECT_EQ(wrapper.decryptionPipelinePending(), 0);
+}
+
 TEST_F(SslWrapperTest, ShutdownWithoutInitStillCleansOpenSslUp) {
   const FailingCall cleanUps("CONF_modules_unload", FailingCall::NEVER);
   SslWrapper untouched;

@@ -17,6 +17,10 @@ namespace {
 constexpr std::size_t chunk = std::size_t{64} << 10;
 constexpr Micros farewellLimit = 500'000;
 
+// A head unit that asks and does not read is asked to wait: what it says may call for answers, and those for
+// memory.
+constexpr std::size_t mostUnsent = std::size_t{4} << 20;
+
 constexpr Micros forever = -1;
 
 // A frame's time is told in microseconds, which plain poll cannot wait for.
@@ -42,11 +46,12 @@ void SocketRunner::run(Socket socket) {
   socket_.close();
 }
 
-bool SocketRunner::hasToWrite() const { return sent_ < sending_.size() || link_->hasOutput(); }
+std::size_t SocketRunner::unsent() const { return sending_.size() - sent_ + link_->outputSize(); }
 
 void SocketRunner::wait() {
-  pollfd polled[2] = {{socket_.descriptor(), POLLIN, 0}, {wake_->descriptor(), POLLIN, 0}};
-  if (hasToWrite()) polled[0].events |= POLLOUT;
+  pollfd polled[2] = {{socket_.descriptor(), 0, 0}, {wake_->descriptor(), POLLIN, 0}};
+  if (unsent() < mostUnsent) polled[0].events |= POLLIN;
+  if (unsent() > 0) polled[0].events |= POLLOUT;
   const std::optional<Micros> next = timers_->next();
   if (pollFor(polled, next ? std::max<Micros>(0, *next - steadyNow()) : forever) <= 0) return;
   timers_->advance(steadyNow());
@@ -100,7 +105,7 @@ void SocketRunner::writeSome() {
 // Closing a socket with bytes unread resets the connection, and the peer could lose the last message by it.
 void SocketRunner::sendRest() {
   const Micros end = steadyNow() + farewellLimit;
-  while (broken_.empty() && !atEnd_ && hasToWrite() && steadyNow() < end) {
+  while (broken_.empty() && !atEnd_ && unsent() > 0 && steadyNow() < end) {
     pollfd polled[1] = {{socket_.descriptor(), POLLOUT, 0}};
     if (!writeOnce()) pollFor(polled, end - steadyNow());
   }

@@ -22,7 +22,7 @@ class SocketRunner {
   void run(Socket socket);
 
  private:
-  bool hasToWrite() const;
+  std::size_t unsent() const;  ///< Bytes, about.
   void wait();
   void onWakeRaised();
   bool readSome();   ///< True if there were bytes.

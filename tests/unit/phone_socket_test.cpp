@@ -130,6 +130,11 @@ struct PhoneSocketRunner : testing::Test {
       all.insert(all.end(), piece, piece + got);
     return all;
   }
+  void readsWhatIsThere() {
+    std::uint8_t piece[4096];
+    while (::recv(theirs.descriptor(), piece, sizeof piece, MSG_DONTWAIT) > 0) {
+    }
+  }
 };
 
 TEST_F(PhoneSocketRunner, CarriesBytesBothWaysUntilThePeerCloses) {
@@ -181,6 +186,26 @@ TEST_F(PhoneSocketRunner, AWakeIsTheOwnersToHandle) {
   wake.raise();
   runner.run(std::move(mine));
   EXPECT_EQ(wakes, 2);
+  EXPECT_EQ(link.end()->what, "enough");
+}
+
+TEST_F(PhoneSocketRunner, HearsAPeerThatReadsNothingOnlyOnceItReads) {
+  link.sendBytes(filled(8 << 20, 7));
+  writes(bytes("00 03 00 06 00 01 00 01 00 00"));
+  int wakes = 0;
+  runner.onWake([&] {
+    if (++wakes <= 3) {
+      EXPECT_EQ(link.headUnitMajor(), 0) << "its version request waits";
+    }
+    if (wakes >= 3) readsWhatIsThere();
+    if (link.headUnitMajor() == 1) {
+      theirs.close();
+      link.finish({true, phone::Side::phone, "enough", ""});
+    }
+    wake.raise();
+  });
+  wake.raise();
+  runner.run(std::move(mine));
   EXPECT_EQ(link.end()->what, "enough");
 }
 

@@ -12,11 +12,6 @@ using nlohmann::json;
 
 enum WireType : std::uint64_t { varint = 0, fixed64 = 1, delimited = 2, fixed32 = 5 };
 
-void appendVarint(Bytes* to, std::uint64_t value) {
-  for (; value > 0x7f; value >>= 7) to->push_back(static_cast<std::uint8_t>(value | 0x80));
-  to->push_back(static_cast<std::uint8_t>(value));
-}
-
 bool isHex(const json& value) { return value.is_object() && value.size() == 1 && value.contains("hex"); }
 
 std::uint64_t numberOf(const std::string& name) {

@@ -4,15 +4,6 @@
 
 namespace phone::verify {
 
-namespace {
-
-void appendVarint(Bytes* to, std::uint64_t value) {
-  for (; value > 0x7f; value >>= 7) to->push_back(static_cast<std::uint8_t>(value | 0x80));
-  to->push_back(static_cast<std::uint8_t>(value));
-}
-
-}  // namespace
-
 // By hand, because the record takes no type that is no sensor's.
 Bytes sensorRequest(int type, std::int64_t minUpdatePeriod) {
   Bytes body = {0x08};

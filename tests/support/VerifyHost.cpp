@@ -183,6 +183,14 @@ struct EagerBrowser : MediaBrowserEndpoint {
   }
 };
 
+struct EagerNavigation : NavigationStatusEndpoint {
+  using NavigationStatusEndpoint::NavigationStatusEndpoint;
+  void onChannelOpened(unsigned char channel) override {
+    NavigationStatusEndpoint::onChannelOpened(channel);
+    start();
+  }
+};
+
 // Tells of itself, asked or not.
 struct EagerSensors : SensorSource {
   using SensorSource::SensorSource;
@@ -366,8 +374,8 @@ struct VerifyHost::Parts {
   InputSource input{INPUT, router()};
   BluetoothEndpoint bluetooth{BLUETOOTH, router(), shared_ptr<IBluetoothCallbacks>(bluetoothHost)};
   RadioEndpoint radio{RADIO, router(), shared_ptr<IRadioCallbacks>(radioHost)};
-  NavigationStatusEndpoint navigation{NAVIGATION, router(),
-                                      shared_ptr<INavigationStatusCallbacks>(new NavigationHost)};
+  EagerNavigation navigation{NAVIGATION, router(),
+                             shared_ptr<INavigationStatusCallbacks>(new NavigationHost)};
   MediaPlaybackStatusEndpoint playback{PLAYBACK, router(),
                                        shared_ptr<IMediaPlaybackStatusCallbacks>(new PlaybackHost)};
   PhoneStatusEndpoint phone{PHONE, router(), shared_ptr<IPhoneStatusCallbacks>(new CallHost)};

@@ -27,7 +27,6 @@ class VANTRY_EXPORT IoBuffer {
   IoBuffer& operator=(const IoBuffer&) = delete;
 
   /// Replaces the storage by `size` bytes, all of them content, their values undefined. Old content is lost.
-  /// Storage that has the size already is kept.
   void resize(unsigned int size);
 
   /// First byte of the content; null in an empty buffer.

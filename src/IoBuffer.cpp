@@ -10,12 +10,8 @@ IoBuffer::~IoBuffer() {
 }
 
 void IoBuffer::resize(unsigned int size) {
-  if (data == nullptr || capacity != size) {
-    free(data);
-    allocate(size);
-  }
-  start = 0;
-  end = size;
+  free(data);
+  allocate(size);
 }
 
 void IoBuffer::allocate(unsigned int size) {

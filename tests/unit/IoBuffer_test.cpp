@@ -49,14 +49,13 @@ TEST(IoBufferTest, ResizeGivesNewContentWhateverWasThere) {
   memset(buffer.data, 1, 9);
 }
 
-TEST(IoBufferTest, ResizeToTheSizeThatItHasKeepsTheStorageAndMakesAllOfItContent) {
+TEST(IoBufferTest, ResizeToTheSizeThatItHasMakesAllOfItContent) {
   IoBuffer buffer(5);
-  const unsigned char* const storage = buffer.data;
   buffer.start = 2;
   buffer.end = 3;
   buffer.resize(5);
   expectContent(buffer, 5, 0, 5);
-  EXPECT_EQ(buffer.data, storage);
+  memset(buffer.data, 1, 5);
 }
 
 TEST(IoBufferTest, ResizeToNothingHasNoContent) {

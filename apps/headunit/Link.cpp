@@ -156,7 +156,7 @@ LinkView Link::view() const {
           transport_.bytesRead() > 0,
           transport_.bytesWritten(),
           transport_.brokenBy(),
-          video_->failingSince(),
+          video_->failingFor(),
           equipment_.libraryLines->all()};
 }
 

@@ -5,6 +5,12 @@
 namespace headunit {
 namespace {
 
+constexpr const char* A_PHONE_THERE = "check that a phone is what connects to this port";
+
+LinkEnd refusedVersion() {
+  return {false, "phone", "it refused version 1.0 of the protocol", "update the phone's software"};
+}
+
 std::string seconds(milliseconds duration) { return std::to_string(duration.count() / 1000) + " s"; }
 
 }  // namespace
@@ -80,7 +86,7 @@ std::optional<LinkEnd> LinkWatch::endOf(const LinkView& view, TimePoint now) {
                    "it has taken nothing for " + seconds(limits_.silence) + ", although it still sends",
                    "check that it reads what comes to it"};
   }
-  if (view.failingSince && hasPassed(*view.failingSince, limits_.undecodable, now)) {
+  if (view.failingFor >= limits_.undecodable) {
     return LinkEnd{false, "phone",
                    "for " + seconds(limits_.undecodable) + " no picture could be decoded of its video",
                    "check that it sends H.264 and that its file is whole"};
@@ -99,21 +105,31 @@ LinkEnd LinkWatch::endOfStopped(const LinkView& view) const {
     return {false, "phone", "it went away without a good-bye (" + view.brokenBy + ")",
             "see its own messages for the reason"};
   }
+  if (!hasAnswered(view)) {
+    return {false, "phone", "it went away without having answered (" + view.brokenBy + ")", A_PHONE_THERE};
+  }
+  if (!news.versionAccepted) return refusedVersion();
   return {false, "phone", "it went away before the handshake was done (" + view.brokenBy + ")",
           "see its own messages; it may have refused this head unit's certificate"};
+}
+
+// A phone answers with its version before all else.
+bool LinkWatch::hasAnswered(const LinkView& view) {
+  return view.news.versionAccepted ||
+         std::any_of(view.logLines.begin(), view.logLines.end(), [](const std::string& line) {
+           return line.find("Phone reported version") != std::string::npos;
+         });
 }
 
 LinkEnd LinkWatch::handshakeTimeout(const LinkView& view) const {
   const std::string limit = " within " + seconds(limits_.handshake);
   if (!view.anythingHeard) {
-    return {false, "phone", "it said nothing" + limit, "check that a phone is what connects to this port"};
+    return {false, "phone", "it said nothing" + limit, A_PHONE_THERE};
   }
-  const bool answered = std::any_of(view.logLines.begin(), view.logLines.end(), [](const std::string& line) {
-    return line.find("Phone reported version") != std::string::npos;
-  });
-  if (answered && !view.news.versionAccepted) {
-    return {false, "phone", "it refused version 1.0 of the protocol", "update the phone's software"};
+  if (!hasAnswered(view)) {
+    return {false, "phone", "what it said" + limit + " is no answer of a phone's", A_PHONE_THERE};
   }
+  if (!view.news.versionAccepted) return refusedVersion();
   return {false, "phone", "it did not finish the handshake" + limit, "connect it again"};
 }
 

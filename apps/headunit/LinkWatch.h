@@ -27,10 +27,10 @@ struct LinkView {
   LinkNews news;
   TimePoint lastHeard;  ///< when bytes last came; at first, when the link began
   bool anythingHeard = false;
-  std::uint64_t bytesWritten = 0;         ///< so far
-  std::string brokenBy;                   ///< why the byte stream ended by itself; empty while it has not
-  std::optional<TimePoint> failingSince;  ///< frames come, but no pictures of them
-  std::vector<std::string> logLines;      ///< the library's latest
+  std::uint64_t bytesWritten = 0;     ///< so far
+  std::string brokenBy;               ///< why the byte stream ended by itself; empty while it has not
+  Clock::duration failingFor{};       ///< how long frames have gone on coming, but no pictures of them
+  std::vector<std::string> logLines;  ///< the library's latest
 };
 
 /// Decides when a link is over and when to ping, knowing no threads and no clock.
@@ -57,6 +57,7 @@ class LinkWatch {
 
   std::optional<LinkEnd> endOf(const LinkView& view, TimePoint now);
   LinkEnd endOfStopped(const LinkView& view) const;
+  static bool hasAnswered(const LinkView& view);
   LinkEnd handshakeTimeout(const LinkView& view) const;
   bool takesNothing(const LinkView& view, TimePoint now);
   bool isOver(std::optional<TimePoint>* since, milliseconds limit, TimePoint now);

@@ -35,9 +35,13 @@ int VideoCallbacks::setup(int) { return 0; }
 
 void VideoCallbacks::playbackStart(int sessionId) {
   spdlog::debug("The video starts, session {}.", sessionId);
+  pipeline_->startOrStop();
 }
 
-void VideoCallbacks::playbackStop(int sessionId) { spdlog::debug("The video stops, session {}.", sessionId); }
+void VideoCallbacks::playbackStop(int sessionId) {
+  spdlog::debug("The video stops, session {}.", sessionId);
+  pipeline_->startOrStop();
+}
 
 void VideoCallbacks::mediaConfiguration(int configurationIndex) {
   spdlog::debug("The phone chose video configuration {}.", configurationIndex);

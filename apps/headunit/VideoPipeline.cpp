@@ -26,6 +26,10 @@ void VideoPipeline::configure(CodecConfig config) {
   if (!queue_.push(std::move(config))) spdlog::warn("A codec configuration of the phone's finds no room.");
 }
 
+void VideoPipeline::startOrStop() {
+  if (!queue_.push(StreamBoundary())) spdlog::debug("A start or stop of the phone's video finds no room.");
+}
+
 void VideoPipeline::receive(VideoFrame frame) {
   ends_.stats->received(frame);
   const int session = frame.session;
@@ -44,19 +48,15 @@ void VideoPipeline::finish() {
   if (thread_.joinable()) thread_.join();
 }
 
-std::optional<TimePoint> VideoPipeline::failingSince() const {
-  const Clock::rep since = failingSince_;
-  if (since == 0) return {};
-  return TimePoint(Clock::duration(since));
-}
-
 void VideoPipeline::run() {
   for (VideoItem item; queue_.pop(&item);
        item = CodecConfig()) {  // a frame is not held on to while none comes
     if (auto* const config = std::get_if<CodecConfig>(&item)) {
       decoder_->configure(*config);
+    } else if (auto* const frame = std::get_if<VideoFrame>(&item)) {
+      decode(std::move(*frame));
     } else {
-      decode(std::move(std::get<VideoFrame>(item)));
+      forgetFaults();
     }
   }
   decoder_->finish([this](Picture picture) { show(std::move(picture)); });
@@ -65,18 +65,19 @@ void VideoPipeline::run() {
 void VideoPipeline::decode(VideoFrame frame) {
   frame.times.dequeued = Clock::now();
   const int session = frame.session;
+  const TimePoint received = frame.times.received;
   std::string fault;
   try {
     fault = decoder_->decode(std::move(frame), [this](Picture picture) { show(std::move(picture)); });
   } catch (const std::exception& error) {
     fault = error.what();
   }
-  if (!fault.empty()) remark(fault);
+  if (!fault.empty()) remark(fault, received);
   ends_.acknowledge(session, 1);
 }
 
 void VideoPipeline::show(Picture picture) {
-  failingSince_ = 0;
+  forgetFaults();
   if (!ends_.budget->spend()) return;
   picture.stats = ends_.stats;
   ends_.stats->decoded(picture.times, picture.width, picture.height);
@@ -84,13 +85,21 @@ void VideoPipeline::show(Picture picture) {
   if (ends_.budget->exhausted()) ends_.changed();
 }
 
-void VideoPipeline::remark(const std::string& fault) {
+// One damaged frame and a lull behind it are no failing stream: nothing says that the next frame is damaged,
+// too. So the time goes on only with the frames.
+void VideoPipeline::remark(const std::string& fault, TimePoint received) {
   ends_.stats->damaged();
-  if (failingSince_ == 0) failingSince_ = Clock::now().time_since_epoch().count();
+  if (!firstFault_) firstFault_ = received;
+  failingFor_ = (received - *firstFault_).count();
   ends_.changed();
   if (++faults_ > FAULTS_TOLD) return;
   spdlog::warn("The phone's video is damaged: {}{}", fault,
                faults_ == FAULTS_TOLD ? " (further damage is only counted)" : "");
+}
+
+void VideoPipeline::forgetFaults() {
+  firstFault_.reset();
+  failingFor_ = 0;
 }
 
 }  // namespace headunit

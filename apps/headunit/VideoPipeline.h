@@ -43,8 +43,10 @@ class VideoPipeline {
   VideoPipeline(std::unique_ptr<VideoDecoder> decoder, Ends ends);
   ~VideoPipeline() { finish(); }
 
-  /// Reader thread; neither waits for anything.
+  /// Reader thread; none of them waits for anything.
   void configure(CodecConfig config);
+  /// The stream starts or stops: what was wrong with it before does not count any more.
+  void startOrStop();
   void receive(VideoFrame frame);
 
   /// Decodes what has come, and ends the thread. Calls of `acknowledge` end with it.
@@ -52,19 +54,22 @@ class VideoPipeline {
   /// Ends the thread as soon as it can: what waits is not decoded.
   void abandon();
 
-  /// Since when frames have come without one picture coming of them; nothing while all is well.
-  std::optional<TimePoint> failingSince() const;
+  /// From the first damaged frame behind the latest picture to the latest one: how long frames have gone on
+  /// coming without one picture coming of them. Zero while all is well, and however long none comes at all.
+  Clock::duration failingFor() const { return Clock::duration(failingFor_); }
 
  private:
   void run();
   void decode(VideoFrame frame);
   void show(Picture picture);
-  void remark(const std::string& fault);
+  void remark(const std::string& fault, TimePoint received);
+  void forgetFaults();
 
   Ends ends_;
   std::unique_ptr<VideoDecoder> decoder_;
   VideoQueue queue_;
-  std::atomic<Clock::rep> failingSince_{0};
+  std::atomic<Clock::rep> failingFor_{0};
+  std::optional<TimePoint> firstFault_;  ///< when the frame came; none behind the latest picture
   std::uint64_t faults_ = 0;
   std::thread thread_;
 };

@@ -7,7 +7,8 @@ namespace {
 
 std::size_t bytesOf(const VideoItem& item) {
   if (const auto* const config = std::get_if<CodecConfig>(&item)) return config->bytes.size();
-  return std::get<VideoFrame>(item).length;
+  const auto* const frame = std::get_if<VideoFrame>(&item);
+  return frame != nullptr ? frame->length : 0;
 }
 
 }  // namespace

@@ -13,7 +13,9 @@ namespace headunit {
 struct CodecConfig {
   std::vector<std::uint8_t> bytes;
 };
-using VideoItem = std::variant<CodecConfig, VideoFrame>;
+/// The stream starts or stops here.
+struct StreamBoundary {};
+using VideoItem = std::variant<CodecConfig, StreamBoundary, VideoFrame>;
 
 /// From the reader thread, which never waits, to the decoder, which does.
 class VideoQueue {

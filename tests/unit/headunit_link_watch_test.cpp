@@ -50,13 +50,41 @@ TEST_F(HeadunitLinkWatch, GivesASilentPhoneFourSeconds) {
 
 TEST_F(HeadunitLinkWatch, TellsAHalfDoneHandshakeFromSilence) {
   hearAt(milliseconds(3900));
-  EXPECT_THAT(endAt(milliseconds(4000)).what, HasSubstr("did not finish the handshake"));
+  view.news.versionAccepted = true;
+  const LinkEnd end = endAt(milliseconds(4000));
+  EXPECT_THAT(end.what, HasSubstr("did not finish the handshake"));
+  EXPECT_EQ(end.advice, "connect it again");
+}
+
+TEST_F(HeadunitLinkWatch, DoubtsThatAPeerWithoutAVersionIsAPhone) {
+  hearAt(milliseconds(3900));
+  view.logLines = {"[LHU] sendVersionRequest() :: Starting link, car major=1 minor=0"};
+  const LinkEnd end = endAt(milliseconds(4000));
+  EXPECT_EQ(end.what, "what it said within 4 s is no answer of a phone's");
+  EXPECT_EQ(end.advice, "check that a phone is what connects to this port");
+}
+
+TEST_F(HeadunitLinkWatch, DoubtsThatAPeerIsAPhoneThatGoesWithoutHavingAnswered) {
+  hearAt(milliseconds(5));
+  view.news.stopped = true;
+  view.brokenBy = "the connection was closed";
+  const LinkEnd end = endAt(milliseconds(500));
+  EXPECT_EQ(end.what, "it went away without having answered (the connection was closed)");
+  EXPECT_EQ(end.advice, "check that a phone is what connects to this port");
 }
 
 TEST_F(HeadunitLinkWatch, TellsARefusedVersion) {
   hearAt(milliseconds(5));
   view.logLines = {"[LHU] handleVersionResponse() :: Phone reported version major=2 minor=0"};
   EXPECT_THAT(endAt(milliseconds(4000)).what, HasSubstr("refused version 1.0"));
+}
+
+TEST_F(HeadunitLinkWatch, TellsARefusedVersionThoughThePhoneHasGone) {
+  hearAt(milliseconds(5));
+  view.logLines = {"[LHU] handleVersionResponse() :: Phone reported version major=2 minor=0"};
+  view.news.stopped = true;
+  view.brokenBy = "the connection was closed";
+  EXPECT_THAT(endAt(milliseconds(500)).what, HasSubstr("refused version 1.0"));
 }
 
 TEST_F(HeadunitLinkWatch, LooksAgainWhenALimitIsOver) {
@@ -122,6 +150,7 @@ TEST_F(HeadunitLinkWatch, ClosingWithoutAGoodbyeIsNot) {
 }
 
 TEST_F(HeadunitLinkWatch, ClosingDuringTheHandshakeIsTold) {
+  view.news.versionAccepted = true;
   view.news.stopped = true;
   view.brokenBy = "the connection was closed";
   EXPECT_THAT(endAt(milliseconds(500)).what, HasSubstr("before the handshake was done"));
@@ -169,10 +198,19 @@ TEST_F(HeadunitLinkWatch, AFrameThatCannotBeDecryptedIsToldApart) {
 
 TEST_F(HeadunitLinkWatch, GivesAVideoThatCannotBeDecodedFourSeconds) {
   authenticate();
-  hearAt(milliseconds(5000));
-  view.failingSince = start + milliseconds(1000);
-  EXPECT_FALSE(at(milliseconds(4999)).end);
-  EXPECT_THAT(endAt(milliseconds(5000)).what, HasSubstr("no picture could be decoded"));
+  view.failingFor = milliseconds(3999);
+  EXPECT_FALSE(at(milliseconds(1000)).end);
+  view.failingFor = milliseconds(4000);
+  EXPECT_THAT(endAt(milliseconds(1000)).what, HasSubstr("for 4 s no picture could be decoded"));
+}
+
+TEST_F(HeadunitLinkWatch, DoesNotCountTheTimeWithoutAnyVideo) {
+  authenticate();
+  view.failingFor = milliseconds(1);
+  at(milliseconds(1000));
+  hearAt(milliseconds(60'000));
+  view.bytesWritten = 1;
+  EXPECT_FALSE(at(milliseconds(60'000)).end);
 }
 
 TEST_F(HeadunitLinkWatch, GivesUpAPhoneThatSendsButTakesNothing) {

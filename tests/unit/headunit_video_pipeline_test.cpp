@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "headunit/VideoCallbacks.h"
 #include "headunit/VideoPipeline.h"
 
 namespace headunit {
@@ -40,12 +41,20 @@ class SimpleDecoder : public VideoDecoder {
   std::vector<std::string>* const seen_;
 };
 
+constexpr unsigned char DAMAGED = 0;
+
 VideoFrame frameOf(unsigned char content, int session = 7) {
   VideoFrame frame;
   frame.buffer = ::shared_ptr<IoBuffer>(new IoBuffer(1));
   frame.buffer->data[0] = content;
   frame.length = 1;
   frame.session = session;
+  return frame;
+}
+
+VideoFrame damagedAt(milliseconds time) {
+  VideoFrame frame = frameOf(DAMAGED);
+  frame.times.received = TimePoint(std::chrono::seconds(1000) + time);
   return frame;
 }
 
@@ -84,20 +93,59 @@ TEST_F(HeadunitVideoPipeline, DecodesInOrderAndAcknowledgesEachFrame) {
 
 TEST_F(HeadunitVideoPipeline, AcknowledgesWhatCannotBeDecoded) {
   const auto video = pipeline(&endless);
-  video->receive(frameOf(0));
+  video->receive(frameOf(DAMAGED));
   video->finish();
   EXPECT_THAT(acknowledged, ElementsAre(7));
   EXPECT_EQ(stats->totals().damaged, 1U);
-  EXPECT_TRUE(video->failingSince());
+  EXPECT_GT(changes, 0);
+}
+
+TEST_F(HeadunitVideoPipeline, FailsForAsLongAsDamagedFramesKeepComing) {
+  const auto video = pipeline(&endless);
+  for (const int time : {0, 1500, 4000}) video->receive(damagedAt(milliseconds(time)));
+  video->finish();
+  EXPECT_EQ(video->failingFor(), milliseconds(4000));
+}
+
+TEST_F(HeadunitVideoPipeline, DoesNotFailForOneDamagedFrameHoweverLongItIsTheLast) {
+  const auto video = pipeline(&endless);
+  video->receive(frameOf(9));
+  video->receive(damagedAt(milliseconds(0)));
+  video->finish();
+  EXPECT_EQ(video->failingFor(), milliseconds(0));
   EXPECT_GT(changes, 0);
 }
 
 TEST_F(HeadunitVideoPipeline, IsAllRightAgainWithTheNextPicture) {
   const auto video = pipeline(&endless);
-  video->receive(frameOf(0));
+  video->receive(damagedAt(milliseconds(0)));
+  video->receive(damagedAt(milliseconds(4000)));
   video->receive(frameOf(9));
   video->finish();
-  EXPECT_FALSE(video->failingSince());
+  EXPECT_EQ(video->failingFor(), milliseconds(0));
+}
+
+TEST_F(HeadunitVideoPipeline, FailsAnewBehindAPicture) {
+  const auto video = pipeline(&endless);
+  video->receive(damagedAt(milliseconds(0)));
+  video->receive(frameOf(9));
+  video->receive(damagedAt(milliseconds(4000)));
+  video->receive(damagedAt(milliseconds(4001)));
+  video->finish();
+  EXPECT_EQ(video->failingFor(), milliseconds(1));
+}
+
+TEST_F(HeadunitVideoPipeline, ForgetsWhatWasWrongWhenItsStreamStartsOrStops) {
+  const auto video = pipeline(&endless);
+  VideoCallbacks callbacks(video.get(), nullptr);
+  video->receive(damagedAt(milliseconds(0)));
+  callbacks.playbackStop(1);
+  video->receive(damagedAt(milliseconds(10'000)));
+  callbacks.playbackStart(1);
+  video->receive(damagedAt(milliseconds(20'000)));
+  video->receive(damagedAt(milliseconds(20'003)));
+  video->finish();
+  EXPECT_EQ(video->failingFor(), milliseconds(3));
 }
 
 TEST_F(HeadunitVideoPipeline, ShowsNoMoreThanTheBudget) {

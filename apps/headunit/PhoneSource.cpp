@@ -13,6 +13,8 @@ namespace {
 constexpr milliseconds CONNECT_LIMIT(3000);
 constexpr milliseconds BETWEEN_TRIES(200);
 constexpr milliseconds AFTER_A_REFUSAL(1000);
+constexpr int MOST_AT_ONCE = 8;       // there is a link to look after
+constexpr std::uint64_t TOLD_OF = 3;  // while one phone is served
 
 class Listener : public PhoneSource {
  public:
@@ -22,26 +24,45 @@ class Listener : public PhoneSource {
     while (patience_->lasts()) {
       Address peer;
       FileDescriptor phone = acceptFrom(socket_, &peer);
-      if (phone) {
+      if (!phone) {
+        waitForAnother(errno);
+      } else if (hasGone(phone)) {
+        spdlog::info("A phone that connected from {} has gone again.", peer.words());
+      } else {
         spdlog::info("A phone connects from {}.", peer.words());
+        turnedAway_ = 0;
         return phone;
       }
-      waitForAnother(errno);
     }
     return {};
   }
 
+  int turnOthersAway() override {
+    for (int i = 0; i < MOST_AT_ONCE; ++i) {
+      Address peer;
+      // Of those that cannot be taken, for want of descriptors say, the socket would tell without end.
+      if (!acceptFrom(socket_, &peer)) return isNobodyThere(errno) ? socket_.get() : -1;
+      if (++turnedAway_ > TOLD_OF) continue;
+      spdlog::warn("{} connects, too, and is turned away: a phone is connected already{}.", peer.words(),
+                   turnedAway_ == TOLD_OF ? " (further ones are turned away without a word)" : "");
+    }
+    return socket_.get();
+  }
+
  private:
+  static bool isNobodyThere(int reason) { return reason == EAGAIN || reason == EWOULDBLOCK; }
+
   // A peer that cannot be taken, for want of descriptors say, goes on waiting: without a pause this would
   // spin.
   void waitForAnother(int reason) {
-    if (reason == EAGAIN || reason == EWOULDBLOCK) return patience_->waitUntil({}, socket_.get());
+    if (isNobodyThere(reason)) return patience_->waitUntil({}, socket_.get());
     spdlog::warn("A phone that connects cannot be taken: {}.", std::strerror(reason));
     patience_->waitUntil(patience_->now() + AFTER_A_REFUSAL);
   }
 
   const FileDescriptor socket_;
   Patience* const patience_;
+  std::uint64_t turnedAway_ = 0;  // during this link
 };
 
 class Caller : public PhoneSource {

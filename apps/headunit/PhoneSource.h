@@ -15,6 +15,11 @@ class PhoneSource {
   /// Waits for the next phone. Empty if the patience is over, or if there is no phone to be had, which has
   /// been logged.
   virtual FileDescriptor next() = 0;
+
+  /// While a phone is served: closes the connections of others that have come meanwhile. Without that they
+  /// would wait, connected and unanswered, until they have gone away. Returns a descriptor that can be read
+  /// when more come, or -1: nobody comes by himself, or this is to be called again without waiting for it.
+  virtual int turnOthersAway() { return -1; }
 };
 
 /// Phones that connect to `address`. Null if nobody can listen there, which has been logged. `patience`

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "headunit/PhoneSource.h"
-
 namespace headunit {
 namespace {
 
@@ -19,11 +17,11 @@ Server::Server(const Options& options, const Equipment& equipment, int signals)
     : options_(options), equipment_(equipment), patience_(signals), progress_(!options.verbose) {}
 
 int Server::run() {
-  const std::unique_ptr<PhoneSource> phones = options_.connect ? phoneToCall(*options_.connect, &patience_)
-                                                               : phonesThatCall(options_.listen, &patience_);
-  if (!phones) return WRONG_USAGE;
+  phones_ = options_.connect ? phoneToCall(*options_.connect, &patience_)
+                             : phonesThatCall(options_.listen, &patience_);
+  if (!phones_) return WRONG_USAGE;
   while (!isDone()) {
-    FileDescriptor phone = phones->next();
+    FileDescriptor phone = phones_->next();
     if (!phone && !patience_.isOver()) return LINK_FAILED;
     if (!phone) break;
     serve(std::move(phone));
@@ -52,8 +50,9 @@ LinkEnd Server::watchOver(Link* link) {
     if (verdict.end) return *verdict.end;
     if (verdict.ping) link->ping();
     progress_.update(link->stats(), Clock::now());
-    patience_.waitUntil(progress_.isShown() ? std::min(verdict.lookAgain, progress_.due())
-                                            : verdict.lookAgain);
+    patience_.waitUntil(
+        progress_.isShown() ? std::min(verdict.lookAgain, progress_.due()) : verdict.lookAgain,
+        phones_->turnOthersAway());
   }
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include "headunit/Link.h"
 #include "headunit/Options.h"
 #include "headunit/Patience.h"
+#include "headunit/PhoneSource.h"
 #include "headunit/Progress.h"
 #include "headunit/Report.h"
 
@@ -36,6 +38,7 @@ class Server {
   const Equipment& equipment_;
   std::function<void(LinkRecord)> afterLink_ = [](LinkRecord) {};
   Patience patience_;
+  std::unique_ptr<PhoneSource> phones_;
   Progress progress_;
   int status_ = 0;
 };

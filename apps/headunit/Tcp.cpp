@@ -118,6 +118,11 @@ FileDescriptor acceptFrom(const FileDescriptor& listener, Address* peer) {
   return socket;
 }
 
+bool hasGone(const FileDescriptor& connection) {
+  pollfd looked{connection.get(), POLLRDHUP, 0};
+  return poll(&looked, 1, 0) == 1;
+}
+
 FileDescriptor connectTo(const Address& address, milliseconds limit, const WakeEvent& abort,
                          std::string* error) {
   const AddressList targets = resolve(address, 0, error);

@@ -28,6 +28,9 @@ Address localAddress(const FileDescriptor& socket);
 /// Takes a waiting peer, without blocking; an empty descriptor if there is none any more.
 FileDescriptor acceptFrom(const FileDescriptor& listener, Address* peer);
 
+/// Whether the peer has closed this connection already, whatever it has sent before.
+bool hasGone(const FileDescriptor& connection);
+
 /// Connects within `limit`; returns at once when `abort` is raised. An empty descriptor on failure, with the
 /// reason in `*error`.
 FileDescriptor connectTo(const Address& address, milliseconds limit, const WakeEvent& abort,

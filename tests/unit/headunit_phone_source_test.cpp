@@ -2,19 +2,24 @@
 
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <functional>
+#include <thread>
 #include <vector>
+
+#include "headunit_log.h"
 
 namespace headunit {
 namespace {
 
 using testing::Each;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::SizeIs;
 
 constexpr milliseconds BETWEEN_TRIES(200);
@@ -77,6 +82,71 @@ TEST_F(HeadunitPhonesThatCall, AreWaitedForWithoutALimit) {
   EXPECT_THAT(patience.pauses, SizeIs(0));
 }
 
+/// Ends its side of the connection, and knows that the other side's system has heard of it.
+void hangUp(const FileDescriptor& phone) {
+  ASSERT_EQ(shutdown(phone.get(), SHUT_WR), 0);
+  for (tcp_info info{}; info.tcpi_state != TCP_FIN_WAIT2; std::this_thread::yield()) {
+    socklen_t size = sizeof info;
+    ASSERT_EQ(getsockopt(phone.get(), IPPROTO_TCP, TCP_INFO, &info, &size), 0);
+  }
+}
+
+bool becomesReadable(int descriptor) {
+  pollfd waiting{descriptor, POLLIN, 0};
+  return poll(&waiting, 1, 5000) == 1;
+}
+
+bool isClosed(const FileDescriptor& phone) {
+  char byte = 0;
+  return becomesReadable(phone.get()) && recv(phone.get(), &byte, 1, 0) == 0;
+}
+
+TEST_F(HeadunitPhonesThatCall, AreLeftOutIfTheyHaveGoneMeanwhile) {
+  const FileDescriptor silent = call(address);
+  hangUp(silent);
+  const FileDescriptor talking = call(address);
+  ASSERT_EQ(write(talking.get(), "hello", 5), 5);
+  hangUp(talking);
+  const FileDescriptor patient = call(address);
+  const FileDescriptor served = phones->next();
+  ASSERT_TRUE(served);
+  ASSERT_EQ(write(patient.get(), "x", 1), 1);
+  ASSERT_TRUE(becomesReadable(served.get()));
+  char text[8];
+  EXPECT_EQ(read(served.get(), text, sizeof text), 1) << "it is the one that is still there";
+}
+
+TEST_F(HeadunitPhonesThatCall, AreTurnedAwayWhileAnotherIsServed) {
+  const LoggedLines log;
+  const FileDescriptor first = call(address);
+  const FileDescriptor served = phones->next();
+  const int newcomers = phones->turnOthersAway();
+  const FileDescriptor second = call(address);
+  ASSERT_TRUE(second) << error;
+  ASSERT_TRUE(becomesReadable(newcomers));
+  EXPECT_EQ(phones->turnOthersAway(), newcomers);
+  EXPECT_TRUE(isClosed(second));
+  EXPECT_EQ(write(first.get(), "x", 1), 1);
+  EXPECT_TRUE(becomesReadable(served.get()));
+  EXPECT_THAT(log.all().back(), HasSubstr("a phone is connected already"));
+  EXPECT_THAT(log.all().back(), HasSubstr(localAddress(second).words()));
+}
+
+TEST_F(HeadunitPhonesThatCall, AreTurnedAwayWithFewWords) {
+  const LoggedLines log;
+  const FileDescriptor first = call(address);
+  const FileDescriptor served = phones->next();
+  const std::size_t before = log.all().size();
+  const int newcomers = phones->turnOthersAway();
+  for (int i = 0; i < 9; ++i) {
+    const FileDescriptor other = call(address);
+    ASSERT_TRUE(becomesReadable(newcomers));
+    phones->turnOthersAway();
+    EXPECT_TRUE(isClosed(other));
+  }
+  EXPECT_EQ(log.all().size(), before + 3);
+}
+
 /// No descriptor more than there are.
 class FewDescriptors {
  public:
@@ -102,6 +172,20 @@ TEST_F(HeadunitPhonesThatCall, AreGivenASecondIfTheyCannotBeTaken) {
   };
   EXPECT_TRUE(phones->next());
   EXPECT_THAT(patience.pauses, ElementsAre(milliseconds(1000), milliseconds(1000)));
+}
+
+TEST_F(HeadunitPhonesThatCall, AreNotWaitedForWhileTheyCannotEvenBeTurnedAway) {
+  const FileDescriptor first = call(address);
+  const FileDescriptor served = phones->next();
+  const int newcomers = phones->turnOthersAway();
+  const FileDescriptor second = call(address);
+  ASSERT_TRUE(becomesReadable(newcomers));
+  {
+    const FewDescriptors few;
+    EXPECT_EQ(phones->turnOthersAway(), -1) << "it would be readable all the time";
+  }
+  EXPECT_EQ(phones->turnOthersAway(), newcomers);
+  EXPECT_TRUE(isClosed(second));
 }
 
 TEST_F(HeadunitPhonesThatCall, AreWaitedForNoLongerOnceItIsOver) {

@@ -55,6 +55,18 @@ TEST(HeadunitTcp, ConnectsAndAccepts) {
   EXPECT_FALSE(acceptFrom(listener, &peer)) << "there is only one";
 }
 
+TEST(HeadunitTcp, KnowsThatAPeerHasGoneWhateverItHasSent) {
+  int ends[2];
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+  const FileDescriptor near(ends[0]);
+  FileDescriptor far(ends[1]);
+  EXPECT_FALSE(hasGone(near));
+  ASSERT_EQ(write(far.get(), "hello", 5), 5);
+  EXPECT_FALSE(hasGone(near));
+  far.close();
+  EXPECT_TRUE(hasGone(near));
+}
+
 TEST(HeadunitTcp, SaysThatNobodyListens) {
   std::string error;
   Address address;

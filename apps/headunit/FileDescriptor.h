@@ -16,6 +16,8 @@ class FileDescriptor {
   int get() const { return descriptor_; }
   explicit operator bool() const { return descriptor_ >= 0; }
   void close();
+  /// It is the caller's to close from now on.
+  int release() { return std::exchange(descriptor_, -1); }
 
  private:
   int descriptor_ = -1;

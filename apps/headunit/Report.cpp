@@ -1,9 +1,8 @@
 #include "headunit/Report.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <nlohmann/json.hpp>
+
+#include "headunit/OutputFile.h"
 
 namespace headunit {
 namespace {
@@ -153,13 +152,7 @@ std::string inWords(const ServiceTotals& totals) {
 }
 
 bool writeReport(const LinkRecord& record, const std::string& path, std::string* error) {
-  errno = 0;
-  std::ofstream file(path, std::ios::trunc);
-  file << toJson(record);
-  file.close();
-  if (file) return true;
-  *error = "cannot write " + path + ": " + std::strerror(errno);
-  return false;
+  return writeFile(path, toJson(record), error);
 }
 
 }  // namespace headunit

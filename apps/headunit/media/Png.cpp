@@ -2,10 +2,7 @@
 
 #include <png.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <fstream>
+#include "headunit/OutputFile.h"
 
 namespace headunit {
 namespace {
@@ -39,18 +36,9 @@ std::string encodePng(const Bitmap& bitmap) {
 
 bool writePng(const Bitmap& bitmap, const std::string& path, std::string* error) {
   const std::string bytes = encodePng(bitmap);
-  const std::string unfinished = path + ".part";
-  errno = 0;
-  std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  const bool written = !bytes.empty() && file.good() && std::rename(unfinished.c_str(), path.c_str()) == 0;
-  if (!written) {
-    *error =
-        "cannot write " + path + ": " + (errno != 0 ? std::strerror(errno) : "there is nothing to write");
-    std::remove(unfinished.c_str());
-  }
-  return written;
+  if (!bytes.empty()) return writeFile(path, bytes, error);
+  *error = "cannot write " + path + ": there is nothing to write";
+  return false;
 }
 
 }  // namespace headunit

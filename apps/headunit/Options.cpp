@@ -22,6 +22,12 @@ CLI::Validator check(bool (*isRight)(const std::string&), const std::string& wan
       "");
 }
 
+bool isCount(const std::string& text) {
+  long count = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), count);
+  return read.ec == std::errc() && read.ptr == text.data() + text.size() && count >= 1;
+}
+
 std::optional<Size> parseSize(const std::string& text) {
   const std::size_t cross = text.find('x');
   if (cross == std::string::npos) return {};
@@ -80,7 +86,7 @@ void addResults(CLI::App* app, Options* options) {
       ->type_name("FILE.png");
   app->add_option("--exit-after-frames", options->exitAfterFrames,
                   "Say good-bye and exit after this many pictures")
-      ->check(CLI::PositiveNumber.description(""))
+      ->check(check(isCount, "whole number of 1 or more"))
       ->type_name("N");
   app->add_option("--stats", options->stats, "Write frames, bytes and latencies to this file")
       ->type_name("FILE.json");

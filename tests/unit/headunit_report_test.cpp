@@ -1,5 +1,6 @@
 #include "headunit/Report.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -67,6 +68,18 @@ TEST(HeadunitOptions, AsksBeforePairingAndKeepsTheListShutUnlessToldOtherwise) {
   ASSERT_TRUE(eager);
   EXPECT_TRUE(eager->autoPair);
   EXPECT_TRUE(eager->browse);
+}
+
+TEST(HeadunitOptions, SayWhatIsNoNumberOfFrames) {
+  for (const char* const count : {"0", "-3", "1.5", "abc", "", "99999999999999999999"}) {
+    int status = -1;
+    const char* const told[] = {"vantry-headunit", "--credentials", "folder", "--exit-after-frames", count};
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(parseOptions(5, told, &status)) << count;
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                testing::HasSubstr("'" + std::string(count) + "' is no whole number of 1 or more"));
+    EXPECT_EQ(status, 1);
+  }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "phone/program/Options.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <map>
 
 namespace phone {
@@ -35,6 +36,14 @@ std::vector<AudioStreamType> soundsOf(const std::vector<std::string>& names) {
 
 std::string checkEndpoint(const std::string& text) {
   return parseEndpoint(text) ? "" : "\"" + text + "\" is not HOST:PORT";
+}
+
+std::string checkFrames(const std::string& text) {
+  std::int64_t frames = 0;
+  const char* const end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, frames);
+  const bool isNumber = read.ec == std::errc() && read.ptr == end && frames >= 0;
+  return isNumber ? "" : "\"" + text + "\" is no number of frames";
 }
 
 struct Texts {
@@ -85,7 +94,7 @@ void addPicture(CLI::App* app, Options* options, Texts* texts) {
       ->type_name("N")
       ->capture_default_str();
   app->add_option("--frames", options->frames, "end after so many frames; 0 for no limit")
-      ->check(CLI::NonNegativeNumber.description(""))
+      ->check(checkFrames)
       ->type_name("N");
   app->add_flag("--loop", options->loop, "start the files again at their end");
   app->add_flag("--fast", options->fast, "send as quickly as the head unit acknowledges");

@@ -128,6 +128,10 @@ TEST(HeadunitMicrophoneFile, IsBroughtToTheMicrophonesRate) {
   WavWriter::create(path, MICROPHONE_RATE, 1, &error)->write(exact.data(), exact.size());
   EXPECT_EQ(readForMicrophone(path, &error), exact) << "what has the right format stays what it is";
 
+  WavWriter::create(path, 48000, 2, &error)->write(nullptr, 0);
+  EXPECT_FALSE(readForMicrophone(path, &error));
+  EXPECT_EQ(error, path + ": it holds no sound");
+
   std::ofstream(path) << "no sound at all";
   EXPECT_FALSE(readForMicrophone(path, &error));
   EXPECT_THAT(error, HasSubstr("say.wav: "));

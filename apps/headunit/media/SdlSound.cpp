@@ -2,8 +2,8 @@
 
 #include <SDL.h>
 #include <spdlog/spdlog.h>
-#include <algorithm>
 
+#include <algorithm>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -11,7 +11,8 @@
 namespace headunit {
 namespace {
 
-constexpr Uint16 DEVICE_FRAMES = 512;  // about 11 ms
+// 10 ms, and whole milliseconds: SDL's dummy device waits no fractions, and would run ahead of the phone.
+constexpr Uint16 DEVICE_FRAMES = MIX_RATE / 100;
 
 SDL_AudioSpec formatOf(unsigned int rate, unsigned int channels, unsigned int frames) {
   SDL_AudioSpec format{};
@@ -176,10 +177,15 @@ std::optional<std::vector<std::int16_t>> readForMicrophone(const std::string& pa
     *error = path + ": " + SDL_GetError();
     return {};
   }
+  const std::size_t frameSize = SDL_AUDIO_BITSIZE(found.format) / 8U * found.channels;
+  if (length < frameSize) {
+    SDL_FreeWAV(bytes);
+    *error = path + ": it holds no sound";
+    return {};
+  }
   SDL_AudioStream* const stream = SDL_NewAudioStream(found.format, found.channels, found.freq, AUDIO_S16SYS,
                                                      1, static_cast<int>(MICROPHONE_RATE));
   std::vector<std::int16_t> samples;
-  const std::size_t frameSize = SDL_AUDIO_BITSIZE(found.format) / 8U * found.channels;
   const std::size_t rate = static_cast<std::size_t>(found.freq);
   const std::size_t wanted = length / frameSize * MICROPHONE_RATE / rate;
   // The stream keeps some of what it was given to itself: silence after the end, which is cut off again.

@@ -26,3 +26,4 @@ second=$(root_now)
 [[ $(root_now) != "$second" ]] || fail "--force kept the set"
 
 ! "$make" 2>/dev/null || fail "it says nothing when no directory is named"
+! "$make" "$tmp" "$tmp/other" 2>/dev/null || fail "it forgets one of two directories"

@@ -73,16 +73,16 @@ class Caller : public PhoneSource {
     const TimePoint givesUpAt = patience_->now() + CONNECT_LIMIT;
     if (everConnected_) pause();  // a phone that hangs up at once is not called without one
     for (; patience_->lasts(); pause()) {
-      std::string error;
-      FileDescriptor phone = connectTo(address_, CONNECT_LIMIT, *patience_->wake(), &error);
+      NoConnection why;
+      FileDescriptor phone = connectTo(address_, CONNECT_LIMIT, *patience_->wake(), &why);
       if (phone) {
         everConnected_ = true;
         spdlog::info("Connected to the phone at {}.", address_.words());
         return phone;
       }
-      if (!everConnected_ && patience_->now() >= givesUpAt) {
-        spdlog::error("Cannot connect to {}: {}; start the phone first, with --listen.", address_.words(),
-                      error);
+      if (!everConnected_ && (why.hostUnknown || patience_->now() >= givesUpAt)) {
+        spdlog::error("Cannot connect to {}: {}; {}.", address_.words(), why.reason,
+                      why.hostUnknown ? "check the address" : "start the phone first, with --listen");
         return {};
       }
     }

@@ -26,8 +26,8 @@ class PhoneSource {
 /// outlives what is returned, here and below.
 std::unique_ptr<PhoneSource> phonesThatCall(const Address& address, Patience* patience);
 
-/// The phone at `address`. It may be about to start, so it is called again for a while; once it was there,
-/// for ever.
+/// The phone at `address`. It may be about to start, so it is called again for a while, unless there is no
+/// such host; once it was there, for ever.
 std::unique_ptr<PhoneSource> phoneToCall(const Address& address, Patience* patience);
 
 }  // namespace headunit

@@ -124,8 +124,9 @@ bool hasGone(const FileDescriptor& connection) {
 }
 
 FileDescriptor connectTo(const Address& address, milliseconds limit, const WakeEvent& abort,
-                         std::string* error) {
-  const AddressList targets = resolve(address, 0, error);
+                         NoConnection* why) {
+  const AddressList targets = resolve(address, 0, &why->reason);
+  why->hostUnknown = targets == nullptr;
   for (const addrinfo* target = targets.get(); target != nullptr; target = target->ai_next) {
     FileDescriptor socket = openSocket(*target);
     const bool connected = socket && (connect(socket.get(), target->ai_addr, target->ai_addrlen) == 0 ||
@@ -134,7 +135,7 @@ FileDescriptor connectTo(const Address& address, milliseconds limit, const WakeE
       sendWithoutDelay(socket);
       return socket;
     }
-    *error = errno == ECONNREFUSED ? "nobody listens there" : std::strerror(errno);
+    why->reason = errno == ECONNREFUSED ? "nobody listens there" : std::strerror(errno);
     if (errno == ECANCELED) break;
   }
   return {};

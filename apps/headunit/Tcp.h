@@ -31,9 +31,15 @@ FileDescriptor acceptFrom(const FileDescriptor& listener, Address* peer);
 /// Whether the peer has closed this connection already, whatever it has sent before.
 bool hasGone(const FileDescriptor& connection);
 
+/// Why nobody could be connected to.
+struct NoConnection {
+  std::string reason;
+  bool hostUnknown = false;  ///< so that there is nobody who might listen a moment later
+};
+
 /// Connects within `limit`; returns at once when `abort` is raised. An empty descriptor on failure, with the
-/// reason in `*error`.
+/// reason in `*why`.
 FileDescriptor connectTo(const Address& address, milliseconds limit, const WakeEvent& abort,
-                         std::string* error);
+                         NoConnection* why);
 
 }  // namespace headunit

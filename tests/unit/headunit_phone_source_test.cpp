@@ -51,10 +51,10 @@ class TestPatience : public Patience {
 struct HeadunitPhoneSource : testing::Test {
   TestPatience patience;
   WakeEvent never;
-  std::string error;
+  NoConnection why;
 
   FileDescriptor call(const Address& address) {
-    return connectTo(address, std::chrono::seconds(5), never, &error);
+    return connectTo(address, std::chrono::seconds(5), never, &why);
   }
 };
 
@@ -78,7 +78,7 @@ TEST_F(HeadunitPhonesThatCall, AreWaitedForWithoutALimit) {
   FileDescriptor phone;
   patience.happens = [&] { phone = call(address); };
   EXPECT_TRUE(phones->next());
-  EXPECT_TRUE(phone) << error;
+  EXPECT_TRUE(phone) << why.reason;
   EXPECT_THAT(patience.pauses, SizeIs(0));
 }
 
@@ -122,7 +122,7 @@ TEST_F(HeadunitPhonesThatCall, AreTurnedAwayWhileAnotherIsServed) {
   const FileDescriptor served = phones->next();
   const int newcomers = phones->turnOthersAway();
   const FileDescriptor second = call(address);
-  ASSERT_TRUE(second) << error;
+  ASSERT_TRUE(second) << why.reason;
   ASSERT_TRUE(becomesReadable(newcomers));
   EXPECT_EQ(phones->turnOthersAway(), newcomers);
   EXPECT_TRUE(isClosed(second));
@@ -165,7 +165,7 @@ class FewDescriptors {
 
 TEST_F(HeadunitPhonesThatCall, AreGivenASecondIfTheyCannotBeTaken) {
   const FileDescriptor phone = call(address);
-  ASSERT_TRUE(phone) << error;
+  ASSERT_TRUE(phone) << why.reason;
   std::optional<FewDescriptors> few(std::in_place);
   patience.happens = [&] {
     if (patience.pauses.size() == 1) few.reset();
@@ -239,6 +239,13 @@ TEST_F(HeadunitPhoneToCall, IsGivenUpAfterThreeSeconds) {
   EXPECT_FALSE(patience.isOver());
   EXPECT_THAT(patience.pauses, SizeIs(15));
   EXPECT_THAT(patience.pauses, Each(BETWEEN_TRIES));
+}
+
+TEST_F(HeadunitPhoneToCall, IsGivenUpAtOnceIfThereIsNoSuchHost) {
+  const LoggedLines log;
+  EXPECT_FALSE(phoneToCall({"no such host", 1}, &patience)->next());
+  EXPECT_THAT(patience.pauses, SizeIs(0));
+  EXPECT_THAT(log.all(), ElementsAre(HasSubstr("; check the address.")));
 }
 
 TEST_F(HeadunitPhoneToCall, IsNotCalledAgainWithoutAPause) {

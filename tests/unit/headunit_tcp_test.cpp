@@ -45,8 +45,9 @@ TEST(HeadunitTcp, ConnectsAndAccepts) {
   std::string error;
   const FileDescriptor listener = listenOn({"127.0.0.1", 0}, &error);
   WakeEvent never;
-  const FileDescriptor near = connectTo(localAddress(listener), LIMIT, never, &error);
-  ASSERT_TRUE(near) << error;
+  NoConnection why;
+  const FileDescriptor near = connectTo(localAddress(listener), LIMIT, never, &why);
+  ASSERT_TRUE(near) << why.reason;
   pollfd waiting{listener.get(), POLLIN, 0};
   ASSERT_EQ(poll(&waiting, 1, -1), 1);
   Address peer;
@@ -75,14 +76,21 @@ TEST(HeadunitTcp, SaysThatNobodyListens) {
     address = localAddress(shortLived);
   }
   WakeEvent never;
-  EXPECT_FALSE(connectTo(address, LIMIT, never, &error));
-  EXPECT_EQ(error, "nobody listens there");
+  NoConnection why;
+  EXPECT_FALSE(connectTo(address, LIMIT, never, &why));
+  EXPECT_EQ(why.reason, "nobody listens there");
+  EXPECT_FALSE(why.hostUnknown);
 }
 
 TEST(HeadunitTcp, SaysThatAHostIsUnknown) {
   std::string error;
   EXPECT_FALSE(listenOn({"no such host", 1}, &error));
   EXPECT_THAT(error, HasSubstr("the host 'no such host' is not known"));
+  WakeEvent never;
+  NoConnection why;
+  EXPECT_FALSE(connectTo({"no such host", 1}, LIMIT, never, &why));
+  EXPECT_THAT(why.reason, HasSubstr("the host 'no such host' is not known"));
+  EXPECT_TRUE(why.hostUnknown);
 }
 
 /// A transport over one end of a socket pair, without its threads.

@@ -78,7 +78,7 @@ std::string doubtsAbout(const Credentials& credentials) {
   const Owned<X509> certificate = parseCertificate(credentials.certificate);
   if (X509_cmp_current_time(X509_get0_notAfter(certificate.get())) < 0) return "headunit.pem has expired";
   if (X509_cmp_current_time(X509_get0_notBefore(certificate.get())) > 0) {
-    return "headunit.pem is not valid yet; is the clock right?";
+    return "headunit.pem is not valid yet; check the clock";
   }
   if (X509_verify(certificate.get(), X509_get0_pubkey(root.get())) != 1) {
     return "headunit.pem is not signed by root.pem";

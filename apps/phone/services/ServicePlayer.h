@@ -25,6 +25,8 @@ class ServicePlayer : public ChannelHandler {
   void send(std::uint16_t type, const google::protobuf::MessageLite& record) {
     link_->send(channel_, type, record);
   }
+  /// A message that is no record.
+  void sendBytes(const Bytes& message) { link_->sendMessage(channel_, message); }
   Micros now() const { return timers_->now(); }
   /// Has onTime called after `delay`, in place of an earlier wish.
   void wake(Micros delay) {

@@ -2,6 +2,7 @@
 
 #include "phone/services/BrowserPlayer.h"
 #include "phone/services/ClusterPlayers.h"
+#include "phone/services/EchoPlayer.h"
 
 namespace phone {
 
@@ -34,7 +35,9 @@ std::unique_ptr<ServicePlayer> ServicePlayers::playerFor(const Service& service)
   if (service.has_phone_status_service()) return std::make_unique<CallPlayer>(link_, timers_);
   if (service.has_media_browser_service()) return std::make_unique<BrowserPlayer>(link_, timers_, &playlist_);
   if (service.has_generic_notification_service()) return std::make_unique<NotificationPlayer>(link_, timers_);
-  // Nobody uses it, but a phone that opens all services opens this one too.
+  if (service.vendor_extension_service().service_name() == EchoPlayer::SERVICE_NAME)
+    return std::make_unique<EchoPlayer>(link_, timers_);
+  // What it takes is its vendor's secret, but a phone that opens all services opens this one too.
   if (service.has_vendor_extension_service()) return std::make_unique<ServicePlayer>(link_, timers_);
   return nullptr;
 }

@@ -54,6 +54,7 @@ struct PhoneView {
   bool known = false;
   unsigned int signal = 0;
   std::vector<CallView> calls;
+  std::string awaited = {};  ///< where a phone is expected, "on HOST:PORT"; empty while one is connected
 };
 
 /// A page of the phone's media tree.

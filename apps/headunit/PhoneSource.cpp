@@ -20,7 +20,10 @@ class Listener : public PhoneSource {
  public:
   Listener(FileDescriptor socket, Patience* patience) : socket_(std::move(socket)), patience_(patience) {}
 
+  std::string place() const override { return "on " + localAddress(socket_).words(); }
+
   FileDescriptor next() override {
+    isTold_ = false;
     while (patience_->lasts()) {
       Address peer;
       FileDescriptor phone = acceptFrom(socket_, &peer);
@@ -30,6 +33,7 @@ class Listener : public PhoneSource {
         spdlog::info("A phone that connected from {} has gone again.", peer.words());
       } else {
         spdlog::info("A phone connects from {}.", peer.words());
+        anyCame_ = true;
         turnedAway_ = 0;
         return phone;
       }
@@ -55,13 +59,19 @@ class Listener : public PhoneSource {
   // A peer that cannot be taken, for want of descriptors say, goes on waiting: without a pause this would
   // spin.
   void waitForAnother(int reason) {
-    if (isNobodyThere(reason)) return patience_->waitUntil({}, socket_.get());
+    if (isNobodyThere(reason)) {
+      if (!std::exchange(isTold_, true))
+        spdlog::info("Waiting for {} {}.", anyCame_ ? "the next phone" : "a phone", place());
+      return patience_->waitUntil({}, socket_.get());
+    }
     spdlog::warn("A phone that connects cannot be taken: {}.", std::strerror(reason));
     patience_->waitUntil(patience_->now() + AFTER_A_REFUSAL);
   }
 
   const FileDescriptor socket_;
   Patience* const patience_;
+  bool anyCame_ = false;
+  bool isTold_ = false;           // that it waits
   std::uint64_t turnedAway_ = 0;  // during this link
 };
 
@@ -69,8 +79,11 @@ class Caller : public PhoneSource {
  public:
   Caller(const Address& address, Patience* patience) : address_(address), patience_(patience) {}
 
+  std::string place() const override { return "at " + address_.words(); }
+
   FileDescriptor next() override {
     const TimePoint givesUpAt = patience_->now() + CONNECT_LIMIT;
+    bool isTold = false;
     if (everConnected_) pause();  // a phone that hangs up at once is not called without one
     for (; patience_->lasts(); pause()) {
       NoConnection why;
@@ -85,6 +98,8 @@ class Caller : public PhoneSource {
                       why.hostUnknown ? "check the address" : "start the phone first, with --listen");
         return {};
       }
+      if (!std::exchange(isTold, true) && patience_->lasts())
+        spdlog::info("Waiting for the phone {}: {}.", place(), why.reason);
     }
     return {};
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "headunit/Patience.h"
 #include "headunit/Tcp.h"
@@ -11,6 +12,10 @@ namespace headunit {
 class PhoneSource {
  public:
   virtual ~PhoneSource() = default;
+
+  /// Where the next one is expected: "on HOST:PORT", where it has to connect to, or "at HOST:PORT", where it
+  /// has to be.
+  virtual std::string place() const = 0;
 
   /// Waits for the next phone. Empty if the patience is over, or if there is no phone to be had, which has
   /// been logged.

@@ -21,7 +21,7 @@ int Server::run() {
                              : phonesThatCall(options_.listen, &patience_);
   if (!phones_) return WRONG_USAGE;
   while (!isDone()) {
-    FileDescriptor phone = phones_->next();
+    FileDescriptor phone = nextPhone();
     if (!phone && !patience_.isOver()) return LINK_FAILED;
     if (!phone) break;
     serve(std::move(phone));
@@ -29,6 +29,16 @@ int Server::run() {
     status_ = 0;  // the next phone may do better
   }
   return status_;
+}
+
+FileDescriptor Server::nextPhone() {
+  const auto await = [this](const std::string& place) {
+    equipment_.cluster->change([&place](ClusterView& view) { view.phone.awaited = place; });
+  };
+  await(phones_->place());
+  FileDescriptor phone = phones_->next();
+  if (phone) await("");
+  return phone;
 }
 
 void Server::serve(FileDescriptor socket) {

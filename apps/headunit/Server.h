@@ -28,6 +28,7 @@ class Server {
   void quit() { patience_.end(); }
 
  private:
+  FileDescriptor nextPhone();
   void serve(FileDescriptor socket);
   LinkEnd watchOver(Link* link);
   void leaveIfWanted(Link* link, LinkWatch* watch);

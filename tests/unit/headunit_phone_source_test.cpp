@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "headunit_log.h"
@@ -36,8 +37,8 @@ class TestPatience : public Patience {
       pauses.push_back(std::chrono::duration_cast<milliseconds>(*deadline - now_));
       now_ = *deadline;
     } else {
-      pollfd waiting{descriptor, POLLIN, 0};
-      EXPECT_EQ(poll(&waiting, 1, 5000), 1) << "nothing is there to wait for";
+      pollfd waiting[] = {{descriptor, POLLIN, 0}, {wake()->descriptor(), POLLIN, 0}};
+      EXPECT_GT(poll(waiting, 2, 5000), 0) << "nothing is there to wait for";
     }
   }
 
@@ -80,6 +81,23 @@ TEST_F(HeadunitPhonesThatCall, AreWaitedForWithoutALimit) {
   EXPECT_TRUE(phones->next());
   EXPECT_TRUE(phone) << why.reason;
   EXPECT_THAT(patience.pauses, SizeIs(0));
+}
+
+TEST_F(HeadunitPhonesThatCall, AreToldWhereTheyAreWaitedForOnceForEachOfThem) {
+  const LoggedLines log;
+  EXPECT_EQ(phones->place(), "on " + address.words());
+  FileDescriptor phone;
+  patience.happens = [&] { phone = call(address); };
+  EXPECT_TRUE(phones->next());
+  bool spurious = true;
+  patience.happens = [&] {
+    if (std::exchange(spurious, false)) return patience.wake()->raise();
+    phone = call(address);
+  };
+  EXPECT_TRUE(phones->next());
+  EXPECT_THAT(log.all(),
+              ElementsAre("Waiting for a phone on " + address.words() + ".", HasSubstr("connects"),
+                          "Waiting for the next phone on " + address.words() + ".", HasSubstr("connects")));
 }
 
 /// Ends its side of the connection, and knows that the other side's system has heard of it.
@@ -232,6 +250,18 @@ TEST_F(HeadunitPhoneToCall, MayStartAMomentLater) {
   };
   EXPECT_TRUE(phones->next());
   EXPECT_THAT(patience.pauses, ElementsAre(BETWEEN_TRIES, BETWEEN_TRIES, BETWEEN_TRIES));
+}
+
+TEST_F(HeadunitPhoneToCall, IsToldWhereItIsWaitedFor) {
+  const LoggedLines log;
+  patience.happens = [this] {
+    if (patience.pauses.size() == 2) starts();
+  };
+  EXPECT_TRUE(phones->next());
+  const std::string place = "at " + localAddress(phone).words();
+  EXPECT_EQ(phones->place(), place);
+  EXPECT_THAT(log.all(), ElementsAre("Waiting for the phone " + place + ": nobody listens there.",
+                                     HasSubstr("Connected to the phone")));
 }
 
 TEST_F(HeadunitPhoneToCall, IsGivenUpAfterThreeSeconds) {

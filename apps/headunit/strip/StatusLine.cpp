@@ -6,6 +6,7 @@ namespace headunit::strip {
 namespace {
 
 std::string wordsOn(const PhoneView& phone) {
+  if (!phone.awaited.empty()) return "NO PHONE YET " + phone.awaited;
   if (!phone.known) return "NO PHONE YET";
   const std::size_t calls = callsIn(phone.calls);
   if (calls == 0) return "PHONE";

@@ -46,17 +46,15 @@ void send(Probe& probe, const Step& step) {
 }
 
 bool fits(const Message& message, const Step& step) {
-  const Bytes body(message.bytes.begin() + 2, message.bytes.end());
+  const Bytes body(message.body(), message.body() + message.bodySize());
   if (step.raw) return body == *step.raw;
   return step.fields.is_null() || hasFields(body, step.fields);
 }
 
 // Messages of the type that do not fit are passed over: a car says many things at once.
 std::optional<Message> awaitFitting(Probe& probe, std::uint8_t channel, const Step& step) {
-  while (auto message = probe.awaitMaybe(channel, step.type, step.within)) {
-    if (fits(*message, step)) return message;
-  }
-  return std::nullopt;
+  return probe.awaitFitting(
+      channel, step.type, [&step](const Message& message) { return fits(message, step); }, step.within);
 }
 
 void expect(Probe& probe, const Step& step) {

@@ -146,20 +146,27 @@ std::uint8_t Probe::channelOf(const Service& service) {
 // ---- What the head unit says ----
 
 std::optional<Message> Probe::awaitMaybe(std::uint8_t channel, int type, Micros limit) {
+  return awaitFitting(
+      channel, type, [](const Message&) { return true; }, limit);
+}
+
+std::optional<Message> Probe::awaitFitting(std::uint8_t channel, int type,
+                                           const std::function<bool(const Message&)>& fits, Micros limit) {
   std::size_t& seen = seen_[{channel, type}];
-  const auto find = [&]() -> const Message* {
+  std::size_t number = 0;
+  std::size_t at = said(channel);
+  std::optional<Message> found;
+  const auto look = [&] {
     const auto& all = link_->link().received(channel);
-    std::size_t number = 0;
-    for (std::size_t i = said(channel); i < all.size(); ++i) {
-      if (all[i].type() == type && number++ == seen) return &all[i];
+    for (; !found && at < all.size(); ++at) {
+      if (all[at].type() != type || number++ < seen) continue;
+      ++seen;
+      if (fits(all[at])) found = all[at];
     }
-    return nullptr;
+    return found.has_value();
   };
-  runUntil([&] { return find() != nullptr || link_->link().end(); }, limit);
-  const Message* message = find();
-  if (message == nullptr) return std::nullopt;
-  ++seen;
-  return *message;
+  runUntil([&] { return look() || link_->link().end(); }, limit);
+  return found;
 }
 
 Message Probe::await(std::uint8_t channel, int type, const std::string& what, Micros limit) {

@@ -71,6 +71,9 @@ class Probe {
   }
   /// The same, without a complaint: empty if it does not come within `limit`.
   std::optional<Message> awaitMaybe(std::uint8_t channel, int type, Micros limit);
+  /// The next one that `fits`; those that do not are passed over for good, and all share one `limit`.
+  std::optional<Message> awaitFitting(std::uint8_t channel, int type,
+                                      const std::function<bool(const Message&)>& fits, Micros limit);
   /// How many of a type came since the check began.
   std::size_t count(std::uint8_t channel, int type) const;
   /// What has come on a channel since the check began, in words.

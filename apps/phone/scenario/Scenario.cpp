@@ -111,6 +111,24 @@ Scenario readScenario(const json& document) {
   return scenario;
 }
 
+// What reads and writes fields goes down into them, and a file must not decide how deep.
+json parseShallow(const std::string& text) {
+  constexpr int mostLevels = 64;
+  std::size_t step = 0;
+  bool inSteps = false;
+  const auto look = [&](int depth, json::parse_event_t event, json& parsed) {
+    const bool starts =
+        event == json::parse_event_t::object_start || event == json::parse_event_t::array_start;
+    if (event == json::parse_event_t::key && depth == 1) inSteps = parsed == "steps";
+    if (inSteps && depth == 2 && (starts || event == json::parse_event_t::value)) ++step;
+    if (!starts || depth < mostLevels) return true;
+    const std::string where = inSteps && step > 0 ? "step " + std::to_string(step) + ": " : "";
+    refuse(where + "lists and objects stand in each other more than " + std::to_string(mostLevels) +
+           " levels deep");
+  };
+  return json::parse(text, look);
+}
+
 constexpr const char* builtIn[] = {
     R"({"name": "link", "meaning": "Ping, focus, and a message that must be refused.", "steps": [
       {"name": "ping", "send": {"on": "control", "type": "MESSAGE_PING_REQUEST", "fields": {"1": 4711}}},
@@ -142,7 +160,7 @@ constexpr const char* builtIn[] = {
 
 std::optional<Scenario> parseScenario(const std::string& text, std::string* error) {
   try {
-    return readScenario(json::parse(text));
+    return readScenario(parseShallow(text));
   } catch (const std::exception& failure) {
     *error = failure.what();
     return std::nullopt;

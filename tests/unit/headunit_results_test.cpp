@@ -6,11 +6,16 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <utility>
 #include <vector>
+
+#include "headunit_log.h"
 
 namespace headunit {
 namespace {
 
+using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -126,6 +131,43 @@ TEST_F(HeadunitResults, TellIfAFileCannotBeWritten) {
   figures.afterLink(linkOf(10));
   EXPECT_FALSE(figures.atEnd());
   EXPECT_FALSE(results({{}, folder + "/missing/screen.png"}).atEnd());
+}
+
+TEST_F(HeadunitResults, TellOnceThatAFileCannotBeWrittenAndWhatToDo) {
+  const LoggedLines log;
+  shows({800, 480});
+  Results wanted = results({folder + "/missing/link.json", folder + "/missing/screen.png"});
+  wanted.afterLink(linkOf(10));
+  wanted.afterLink(linkOf(20));
+  for (const auto& draw : posted) draw();
+  EXPECT_FALSE(wanted.atEnd());
+  EXPECT_THAT(log.all(), ElementsAre(EndsWith("; choose another file with --stats."),
+                                     EndsWith("; choose another file with --snapshot.")));
+}
+
+TEST_F(HeadunitResults, TellOfAFaultThatComesBack) {
+  const LoggedLines log;
+  shows({800, 480});
+  Results wanted = results({folder + "/later/link.json", folder + "/later/screen.png"});
+  for (const bool isThere : {false, true, false}) {
+    if (isThere) std::filesystem::create_directory(folder + "/later");
+    if (!isThere) std::filesystem::remove_all(folder + "/later");
+    wanted.afterLink(linkOf(10));
+    std::exchange(posted, {}).front()();
+  }
+  EXPECT_THAT(log.all(), SizeIs(4));
+}
+
+TEST_F(HeadunitResults, AreTriedBeforehandWithoutATrace) {
+  std::string error;
+  EXPECT_TRUE(Results::canBeWritten({}, &error));
+  EXPECT_TRUE(Results::canBeWritten({statistics, snapshot}, &error)) << error;
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+  EXPECT_FALSE(Results::canBeWritten({folder + "/missing/link.json", snapshot}, &error));
+  EXPECT_EQ(error, "cannot write " + folder +
+                       "/missing/link.json: No such file or directory; choose another file with --stats");
+  EXPECT_FALSE(Results::canBeWritten({statistics, folder}, &error));
+  EXPECT_EQ(error, "cannot write " + folder + ": Is a directory; choose another file with --snapshot");
 }
 
 }  // namespace

@@ -4,7 +4,26 @@
 
 #include <utility>
 
+#include "headunit/OutputFile.h"
+
 namespace headunit {
+namespace {
+
+constexpr const char* ANOTHER_STATISTICS = "; choose another file with --stats";
+constexpr const char* ANOTHER_SNAPSHOT = "; choose another file with --snapshot";
+
+}  // namespace
+
+bool Results::canBeWritten(const Paths& paths, std::string* error) {
+  if (!paths.statistics.empty() && !canWriteFile(paths.statistics, error)) {
+    *error += ANOTHER_STATISTICS;
+  } else if (!paths.snapshot.empty() && !canWriteFile(paths.snapshot, error)) {
+    *error += ANOTHER_SNAPSHOT;
+  } else {
+    return true;
+  }
+  return false;
+}
 
 Results::Results(Paths paths, const Screen* screen, Post post)
     : paths_(std::move(paths)),
@@ -27,12 +46,14 @@ bool Results::atEnd() {
   return told && drawn;
 }
 
-bool Results::writeStatistics() const {
+bool Results::writeStatistics() {
   std::string error;
   if (paths_.statistics.empty() || !lastLink_ || writeReport(*lastLink_, paths_.statistics, &error)) {
+    fault_.clear();
     return true;
   }
-  spdlog::error("{}.", error);
+  if (error != fault_) spdlog::error("{}{}.", error, ANOTHER_STATISTICS);
+  fault_ = error;
   return false;
 }
 

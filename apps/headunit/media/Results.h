@@ -23,6 +23,11 @@ class Results {
     std::string snapshot;
   };
 
+  /// Before the first link, so that nobody drives for nothing: whether the files that are wanted can be
+  /// written, as far as can be told without touching them. Otherwise `*error` says what is wrong and what to
+  /// do.
+  static bool canBeWritten(const Paths& paths, std::string* error);
+
   /// `screen` outlives this object. `post` runs what takes its time somewhere else; what it runs late, or
   /// after this object has gone, does no harm.
   Results(Paths paths, const Screen* screen, Post post);
@@ -30,17 +35,19 @@ class Results {
   /// Not during `atEnd`.
   void afterLink(LinkRecord record);
 
-  /// After the last link. False if a file cannot be written; like all such failures, that has been logged.
+  /// After the last link. False if a file cannot be written; like all such failures, that has been logged,
+  /// but not once for each link.
   bool atEnd();
 
  private:
-  bool writeStatistics() const;
+  bool writeStatistics();
 
   const Paths paths_;
   const Screen* const screen_;
   const Post post_;
   const std::shared_ptr<Snapshot> snapshot_;  // null: none is wanted; shared with what was posted
   std::optional<LinkRecord> lastLink_;
+  std::string fault_;  // of the statistics file, as it has been told
 };
 
 }  // namespace headunit

@@ -20,12 +20,13 @@ bool Snapshot::writeLast(const Screen::Shown& shown, Size margins) {
   return true;
 }
 
-bool Snapshot::draw(const Screen::Shown& shown, Size margins) const {
+bool Snapshot::draw(const Screen::Shown& shown, Size margins) {
   const Bitmap image = drawScreen(layoutFor(shown.picture, margins), shown, margins, Clock::now());
   std::string error;
-  if (writePng(image, path_, &error)) return true;
-  spdlog::error("{}.", error);
-  return false;
+  const bool written = writePng(image, path_, &error);
+  if (!written && error != fault_) spdlog::error("{}; choose another file with --snapshot.", error);
+  fault_ = written ? "" : error;
+  return written;
 }
 
 }  // namespace headunit

@@ -18,15 +18,17 @@ class Snapshot {
   void write(const Screen::Shown& shown, Size margins);
 
   /// The same, after whatever is being written, and nothing is written later. False if the file cannot be
-  /// written, which has been logged. Without a picture there is none, which is logged too.
+  /// written, which has been logged, but not again and again. Without a picture there is none, which is
+  /// logged too.
   bool writeLast(const Screen::Shown& shown, Size margins);
 
  private:
-  bool draw(const Screen::Shown& shown, Size margins) const;
+  bool draw(const Screen::Shown& shown, Size margins);
 
   const std::string path_;
   std::mutex mutex_;
   bool isLast_ = false;
+  std::string fault_;  // as it has been told
 };
 
 }  // namespace headunit

@@ -7,6 +7,7 @@
 #include "headunit/media/FfmpegDecoder.h"
 #include "headunit/media/ImageDecoder.h"
 #include "headunit/media/KeyMap.h"
+#include "headunit/media/Results.h"
 #include "headunit/media/SdlSound.h"
 #include "headunit/program/HostLog.h"
 
@@ -18,6 +19,7 @@ constexpr milliseconds PLAYING_OUT(1000);
 }  // namespace
 
 bool Car::equip(std::string* error) {
+  if (!Results::canBeWritten({options_.stats, options_.snapshot}, error)) return false;
   const std::optional<Credentials> credentials = loadCredentials(options_.credentials, error);
   if (!credentials) {
     *error = "The credentials cannot be used: " + *error;
@@ -68,7 +70,10 @@ bool Car::openSound(std::string* error) {
   std::unique_ptr<WavWriter> file;
   if (!options_.audioOut.empty()) {
     file = WavWriter::create(options_.audioOut, MIX_RATE, MIX_CHANNELS, error);
-    if (!file) return false;
+    if (!file) {
+      *error += "; choose another file with --audio-out";
+      return false;
+    }
   } else if (usesDevices()) {
     std::string reason;
     sound_ = openSoundDevice(&mixer_, &reason);

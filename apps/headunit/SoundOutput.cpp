@@ -27,9 +27,22 @@ TimePoint ClockedSound::act(TimePoint now) {
 void ClockedSound::playPeriod() {
   std::array<std::int16_t, FRAMES * MIX_CHANNELS> samples;
   if (!mixer_->mix(samples.data(), FRAMES) || !file_) return;
-  if (file_->write(samples.data(), samples.size())) return;
-  spdlog::error("The sound file takes no more; the rest of the sound is not written.");
+  std::string error;
+  if (!file_->write(samples.data(), samples.size(), &error)) giveUp(error);
+}
+
+void ClockedSound::giveUp(const std::string& error) {
+  spdlog::error("{}; the rest of the sound is left out: make room, or choose another file with --audio-out.",
+                error);
   file_.reset();
+  isWhole_ = false;
+}
+
+bool ClockedSound::finish() {
+  std::string error;
+  if (file_ && !file_->close(&error)) giveUp(error);
+  file_.reset();
+  return isWhole_;
 }
 
 ClockedOutput::ClockedOutput(Mixer* mixer, std::unique_ptr<WavWriter> file)
@@ -41,6 +54,7 @@ ClockedOutput::ClockedOutput(Mixer* mixer, std::unique_ptr<WavWriter> file)
 void ClockedOutput::finish(milliseconds limit) {
   waitForQuiet(*mixer_, limit);
   thread_.stop();
+  isWhole_ = sound_.finish();
 }
 
 void waitForQuiet(const Mixer& mixer, milliseconds limit) {

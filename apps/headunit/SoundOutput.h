@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "headunit/Mixer.h"
 #include "headunit/PacedThread.h"
@@ -15,6 +16,9 @@ class SoundOutput {
 
   /// Waits until what has come has been played, but no longer than `limit`, and ends.
   virtual void finish(milliseconds limit) = 0;
+
+  /// After finish: whether all of it has got where it was to go. If not, that has been logged.
+  virtual bool isWhole() const { return true; }
 };
 
 /// Takes the mix at the pace of the clock, as a sound device would.
@@ -25,11 +29,16 @@ class ClockedSound : public PacedTask {
 
   TimePoint act(TimePoint now) override;
 
+  /// Closes the file. Returns whether all sound is in it; if not, that has been logged.
+  bool finish();
+
  private:
   void playPeriod();
+  void giveUp(const std::string& error);
 
   Mixer* const mixer_;
   std::unique_ptr<WavWriter> file_;
+  bool isWhole_ = true;
   TimePoint next_;
 };
 
@@ -38,11 +47,13 @@ class ClockedOutput : public SoundOutput {
  public:
   ClockedOutput(Mixer* mixer, std::unique_ptr<WavWriter> file);
   void finish(milliseconds limit) override;
+  bool isWhole() const override { return isWhole_; }
 
  private:
   Mixer* const mixer_;
   ClockedSound sound_;
   PacedThread thread_;
+  bool isWhole_ = true;
 };
 
 /// Returns once the mixer is quiet, or the limit is over.

@@ -33,6 +33,7 @@ int reportingFaults(const Act& act) {
 
 // No thread takes these signals by itself; they are read from a descriptor where there is time for them.
 FileDescriptor signalsToEndBy() {
+  signal(SIGPIPE, SIG_IGN);  // a result's reader that has gone away is told by the write
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
@@ -61,8 +62,9 @@ int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
   if (seen != 0) server->quit();
   serving.join();
   if (seen != 0) return seen;
-  car->finish();
-  return !results.atEnd() && status == 0 ? WRONG_USAGE : status;
+  const bool heard = car->finish();
+  const bool told = results.atEnd();
+  return status == 0 && !(heard && told) ? WRONG_USAGE : status;
 }
 
 int run(const Options& options) {

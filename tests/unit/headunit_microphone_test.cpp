@@ -118,17 +118,17 @@ TEST(HeadunitMicrophoneFile, IsBroughtToTheMicrophonesRate) {
   const std::string path = folder + "/say.wav";
   std::string error;
   const std::vector<std::int16_t> second(48000 * 2, 1000);
-  WavWriter::create(path, 48000, 2, &error)->write(second.data(), second.size());
+  WavWriter::create(path, 48000, 2, &error)->write(second.data(), second.size(), &error);
   const auto samples = readForMicrophone(path, &error);
   ASSERT_TRUE(samples) << error;
   EXPECT_NEAR(static_cast<double>(samples->size()), 16000, 16);
   EXPECT_NEAR((*samples)[8000], 1000, 2);
 
   const std::vector<std::int16_t> exact = {1, -2, 300};
-  WavWriter::create(path, MICROPHONE_RATE, 1, &error)->write(exact.data(), exact.size());
+  WavWriter::create(path, MICROPHONE_RATE, 1, &error)->write(exact.data(), exact.size(), &error);
   EXPECT_EQ(readForMicrophone(path, &error), exact) << "what has the right format stays what it is";
 
-  WavWriter::create(path, 48000, 2, &error)->write(nullptr, 0);
+  WavWriter::create(path, 48000, 2, &error)->write(nullptr, 0, &error);
   EXPECT_FALSE(readForMicrophone(path, &error));
   EXPECT_EQ(error, path + ": it holds no sound");
 

@@ -9,6 +9,8 @@
 
 #include "headunit/Mixer.h"
 #include "headunit/SoundOutput.h"
+#include "headunit_full_disk.h"
+#include "headunit_log.h"
 
 namespace headunit {
 namespace {
@@ -17,6 +19,7 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 constexpr std::size_t MAX_UNACKED = 4;
 
@@ -285,7 +288,7 @@ TEST_F(HeadunitSoundFile, HasAHeaderThatTellsItsLength) {
     const auto writer = WavWriter::create(path(), 48000, 2, &error);
     ASSERT_TRUE(writer) << error;
     const std::int16_t samples[] = {1, -2, 0x1234, -32768};
-    EXPECT_TRUE(writer->write(samples, 4));
+    EXPECT_TRUE(writer->write(samples, 4, &error)) << error;
   }
   const std::string wanted(
       "RIFF\x2c\0\0\0WAVE"
@@ -317,6 +320,50 @@ TEST_F(HeadunitSoundFile, TakesTheMixAtThePaceOfTheClock) {
   }
   EXPECT_EQ(content().size(), 44U + 960 * 4) << "20 ms, and nothing of the silence before";
   EXPECT_EQ(content().substr(44, 4), std::string("\x05\0\x05\0", 4));
+}
+
+TEST_F(HeadunitSoundFile, IsNamedIfNotEvenItsHeaderFindsRoom) {
+  std::string error;
+  const FullDisk full(10);
+  EXPECT_FALSE(WavWriter::create(path(), 48000, 2, &error));
+  EXPECT_EQ(error, "cannot write " + path() + ": File too large");
+}
+
+TEST_F(HeadunitSoundFile, TellsItsNameAndTheReasonIfTheDiskIsFullAndKeepsWhatItHas) {
+  const LoggedLines log;
+  std::string error;
+  Mixer mixer;
+  const auto stream =
+      std::make_shared<AudioStream>("one", AudioFormat::stereo48k, 1, [](int, unsigned int) {});
+  mixer.add(stream);
+  {
+    ClockedSound sound(&mixer, WavWriter::create(path(), MIX_RATE, MIX_CHANNELS, &error));
+    stream->receive(steady(5, 4800));
+    const FullDisk full(5000);
+    const TimePoint start = TimePoint(std::chrono::seconds(1000));
+    for (int time = 0; time < 100; time += 10) sound.act(start + milliseconds(time));
+    EXPECT_FALSE(sound.finish());
+  }
+  EXPECT_THAT(log.all(), ElementsAre(HasSubstr("cannot write " + path() + ": File too large; ")));
+  EXPECT_EQ(content().substr(40, 4), std::string("\0\x0f\0\0", 4)) << "two periods are whole";
+}
+
+TEST_F(HeadunitSoundFile, IsWholeIfTheDiskTakesAllOfIt) {
+  const LoggedLines log;
+  std::string error;
+  for (const bool isFull : {false, true}) {
+    Mixer mixer;
+    const auto stream =
+        std::make_shared<AudioStream>("one", AudioFormat::stereo48k, 1, [](int, unsigned int) {});
+    mixer.add(stream);
+    ClockedOutput output(&mixer, WavWriter::create(path(), MIX_RATE, MIX_CHANNELS, &error));
+    const FullDisk disk(isFull ? 100 : 1'000'000);
+    stream->receive(steady(5, 960));
+    stream->stop();
+    output.finish(milliseconds(20'000));
+    EXPECT_EQ(output.isWhole(), !isFull);
+  }
+  EXPECT_THAT(log.all(), SizeIs(1));
 }
 
 TEST_F(HeadunitSoundFile, DoesNotMakeUpForALongStandstill) {

@@ -102,10 +102,14 @@ bool Car::openMicrophone(std::string* error) {
   return true;
 }
 
-void Car::finish() {
+bool Car::finish() {
   microphoneThread_.stop();
-  if (sound_) sound_->finish(PLAYING_OUT);
+  if (sound_) {
+    sound_->finish(PLAYING_OUT);
+    soundIsWhole_ = sound_->isWhole();
+  }
   sound_.reset();
+  return soundIsWhole_;
 }
 
 }  // namespace headunit

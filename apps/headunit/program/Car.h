@@ -27,8 +27,8 @@ class Car {
   ClusterKeys* clusterKeys() { return &clusterKeys_; }
   SlowWork* slowWork() { return &slowWork_; }
 
-  /// Plays out the sound and closes its file.
-  void finish();
+  /// Plays out the sound and closes its file. False if that does not hold all of it, which has been logged.
+  bool finish();
 
  private:
   bool openSound(std::string* error);
@@ -44,6 +44,7 @@ class Car {
   Controls controls_;
   DriveScript drive_;
   std::unique_ptr<SoundOutput> sound_;
+  bool soundIsWhole_ = true;
   std::unique_ptr<Microphone> microphone_;
   PacedThread microphoneThread_;
   Cluster cluster_;

@@ -41,7 +41,8 @@ void CarJournal::record(const char* message, nlohmann::ordered_json fields) {
   line["time_ms"] = static_cast<double>(timers_->now() - started_) / 1000.0;
   line["message"] = message;
   line.update(fields);
-  file_ << line.dump() << "\n";
+  // Whole lines at once: the file can be followed while it grows, and a full disk shows at the line it met.
+  file_ << line.dump() << std::endl;
 }
 
 }  // namespace phone

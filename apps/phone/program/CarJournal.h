@@ -12,7 +12,7 @@
 namespace phone {
 
 /// Tells the user what the car says, and keeps it in a file: one JSON object a line, with the time since the
-/// start, the kind of message and its fields by name.
+/// start, the kind of message and its fields by name. A line is in the file as soon as it was heard.
 class CarJournal : public CarListener {
  public:
   /// Creates or replaces the file. False if that is impossible.

@@ -141,6 +141,11 @@ bool writeFile(const std::string& path, const std::string& bytes, std::string* e
   return told(written, path, error);
 }
 
+bool isReplacedWhenWritten(const std::string& path) {
+  const std::optional<Place> place = findPlace(path);
+  return !place || place->isReplaceable;
+}
+
 bool canWriteFile(const std::string& path, std::string* error) {
   const std::optional<Place> place = findPlace(path);
   return told(place && mayWrite(*place), path, error);

@@ -11,8 +11,11 @@ namespace headunit {
 /// whole.
 bool writeFile(const std::string& path, const std::string& bytes, std::string* error);
 
-/// Whether that is likely to succeed, as far as can be told without touching what is there. Otherwise the
-/// reason is in `*error`.
+/// Whether it replaces what is there by what is newer. If not, as with a pipe, each time adds to the last.
+bool isReplacedWhenWritten(const std::string& path);
+
+/// Whether writeFile is likely to succeed, as far as can be told without touching what is there. Otherwise
+/// the reason is in `*error`.
 bool canWriteFile(const std::string& path, std::string* error);
 
 }  // namespace headunit

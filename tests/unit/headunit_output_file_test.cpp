@@ -95,6 +95,7 @@ TEST_F(HeadunitOutputFile, MayBeAPipeAndStaysOne) {
   ASSERT_EQ(mkfifo(in("pipe").c_str(), 0600), 0);
   const FileDescriptor reader(open(in("pipe").c_str(), O_RDONLY | O_NONBLOCK));
   EXPECT_TRUE(canWrite(in("pipe"))) << error;
+  EXPECT_FALSE(isReplacedWhenWritten(in("pipe")));
   EXPECT_TRUE(write(in("pipe"))) << error;
   char text[8];
   EXPECT_EQ(read(reader.get(), text, sizeof text), 3);
@@ -146,6 +147,7 @@ TEST_F(HeadunitOutputFile, CanBeTriedWithoutATrace) {
   const std::string path = make("file", "old");
   EXPECT_TRUE(canWrite(path)) << error;
   EXPECT_TRUE(canWrite(in("another"))) << error;
+  EXPECT_TRUE(isReplacedWhenWritten(path) && isReplacedWhenWritten(in("another")));
   EXPECT_EQ(contentOf(path), "old");
   EXPECT_EQ(entries(), 1);
 }

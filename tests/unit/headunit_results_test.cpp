@@ -1,7 +1,11 @@
 #include "headunit/media/Results.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "headunit/FileDescriptor.h"
 #include "headunit_log.h"
 
 namespace headunit {
@@ -18,6 +23,7 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::StartsWith;
 
 class HeadunitResults : public testing::Test {
  protected:
@@ -37,6 +43,13 @@ class HeadunitResults : public testing::Test {
   std::uint64_t bytesTold() const {
     std::ifstream file(statistics);
     return nlohmann::json::parse(file).at("link").at("bytes_received").get<std::uint64_t>();
+  }
+
+  /// What is in a pipe: no more than it holds.
+  static std::string contentOf(const FileDescriptor& pipe) {
+    std::string text(65'536, ' ');
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(read(pipe.get(), text.data(), text.size()), 0)));
+    return text;
   }
 
   /// A grey picture goes through the screen.
@@ -156,6 +169,22 @@ TEST_F(HeadunitResults, TellOfAFaultThatComesBack) {
     std::exchange(posted, {}).front()();
   }
   EXPECT_THAT(log.all(), SizeIs(4));
+}
+
+TEST_F(HeadunitResults, GoIntoAPipeOnlyAtTheEnd) {
+  ASSERT_EQ(mkfifo(statistics.c_str(), 0600), 0);
+  ASSERT_EQ(mkfifo(snapshot.c_str(), 0600), 0);
+  const FileDescriptor reader(open(statistics.c_str(), O_RDONLY | O_NONBLOCK));
+  const FileDescriptor spectator(open(snapshot.c_str(), O_RDONLY | O_NONBLOCK));
+  shows({16, 16});
+  Results wanted = results({statistics, snapshot});
+  wanted.afterLink(linkOf(10));
+  EXPECT_THAT(posted, IsEmpty());
+  wanted.afterLink(linkOf(20));
+  EXPECT_TRUE(wanted.atEnd());
+  const nlohmann::json told = nlohmann::json::parse(contentOf(reader));
+  EXPECT_EQ(told.at("link").at("bytes_received"), 20);
+  EXPECT_THAT(contentOf(spectator), StartsWith("\x89PNG"));
 }
 
 TEST_F(HeadunitResults, AreTriedBeforehandWithoutATrace) {

@@ -33,8 +33,8 @@ Results::Results(Paths paths, const Screen* screen, Post post)
 
 void Results::afterLink(LinkRecord record) {
   lastLink_ = std::move(record);
-  writeStatistics();
-  if (!snapshot_) return;
+  if (isReplacedWhenWritten(paths_.statistics)) writeStatistics();
+  if (!snapshot_ || !isReplacedWhenWritten(paths_.snapshot)) return;
   post_([snapshot = snapshot_, shown = screen_->showsNow(), margins = screen_->margins()] {
     snapshot->write(shown, margins);
   });

@@ -12,7 +12,7 @@ namespace headunit {
 
 /// The files that tell what a run of the program has brought: the statistics of its last link, and what the
 /// screen has shown. They are written after each link, for somebody who looks meanwhile, and once more at the
-/// end, because pictures of a link may still be shown when it is over.
+/// end, because pictures of a link may still be shown when it is over; what goes into a pipe, only then.
 class Results {
  public:
   using Post = std::function<void(std::function<void()>)>;

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "headunit/Printable.h"
+
 namespace headunit {
 namespace {
 
@@ -23,7 +25,8 @@ DriveFields::DriveFields(const JsonNode& node, std::string name) : node_(node), 
   expect(node, name_, Kind::object, "an object");
   std::set<std::string> seen;
   for (const auto& [key, value] : node.members) {
-    if (!seen.insert(key).second) complain(value, fmt::format("\"{}\" stands twice in {}", key, name_));
+    if (!seen.insert(key).second)
+      complain(value, fmt::format("\"{}\" stands twice in {}", printable(key), name_));
   }
 }
 
@@ -67,7 +70,7 @@ void DriveFields::finish() const {
     if (taken_.count(key) > 0) continue;
     std::string known;
     for (const std::string& name : taken_) known += (known.empty() ? "" : ", ") + name;
-    complain(value, fmt::format("there is no \"{}\" in {}; it may have: {}", key, name_, known));
+    complain(value, fmt::format("there is no \"{}\" in {}; it may have: {}", printable(key), name_, known));
   }
 }
 

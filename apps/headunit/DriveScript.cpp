@@ -20,9 +20,49 @@ constexpr milliseconds UNTIL_THE_SENSORS_ARE_OPEN(20);
 constexpr int SATELLITE_REPORTS = 100;
 constexpr double AFTER_THE_LAST_STEP = 1;  // seconds, unless the drive tells its length
 
+// What the library takes is sent when there is time for it, so that more than a link can carry would gather
+// without limit. A step with every sensor, ten times a second, is about half of it.
+constexpr std::size_t MOST_ENTRIES_A_SECOND = 2000;
+constexpr microseconds SECOND(1'000'000);
+
 microseconds inMicroseconds(double seconds) { return microseconds(std::llround(seconds * 1e6)); }
 
-DriveScript::Step parseStep(const JsonNode& node, std::set<int>* sensors) {
+/// How much a step tells.
+struct Load {
+  microseconds at;
+  std::size_t entries;
+  int line;
+};
+
+std::size_t entriesIn(const JsonNode& node) {
+  std::size_t entries = 0;
+  for (const JsonNode& item : node.items) entries += entriesIn(item);
+  for (const auto& [key, value] : node.members) entries += entriesIn(value);
+  return std::max<std::size_t>(entries, 1);
+}
+
+// In no second, and a second may begin in one round and end in a later one.
+void refuseTooMuch(const std::vector<Load>& loads, const DriveScript& drive) {
+  const auto rounds =
+      drive.loops ? 1 + static_cast<std::size_t>((SECOND + drive.length - microseconds(1)) / drive.length)
+                  : 1;
+  const auto loadOf = [&loads](std::size_t i) -> const Load& { return loads[i % loads.size()]; };
+  const auto timeOf = [&](std::size_t i) {
+    return loadOf(i).at + drive.length * static_cast<std::int64_t>(i / loads.size());
+  };
+  std::size_t entries = 0;
+  std::size_t first = 0;  // of the second that ends with `last`
+  for (std::size_t last = 0; last < rounds * loads.size(); ++last) {
+    for (; timeOf(first) + SECOND <= timeOf(last); ++first) entries -= loadOf(first).entries;
+    entries += loadOf(last).entries;
+    if (entries > MOST_ENTRIES_A_SECOND)
+      throw JsonProblem(loadOf(last).line, "with this step the drive tells more than " +
+                                               std::to_string(MOST_ENTRIES_A_SECOND) +
+                                               " numbers, words and flags within a second");
+  }
+}
+
+DriveScript::Step parseStep(const JsonNode& node, std::set<int>* sensors, std::size_t* entries) {
   DriveFields fields(node, "a step");
   DriveScript::Step step;
   step.at = inMicroseconds(fields.requiredNumber("t_s", SECONDS));
@@ -31,32 +71,43 @@ DriveScript::Step parseStep(const JsonNode& node, std::set<int>* sensors) {
     if (value == nullptr) continue;
     step.values.push_back({sensor.type, sensor.parse(*value, sensor.key)});
     sensors->insert(sensor.type);
+    *entries += entriesIn(*value);
   }
   fields.finish();
   return step;
+}
+
+// The steps, in order; what each of them tells stands in `*loads`.
+void parseSteps(const JsonNode& list, DriveScript* drive, std::vector<Load>* loads) {
+  for (const JsonNode& node : list.items) {
+    std::size_t entries = 0;
+    DriveScript::Step step = parseStep(node, &drive->sensors, &entries);
+    if (!drive->steps.empty() && step.at < drive->steps.back().at) {
+      throw JsonProblem(node.line, "this step is earlier than the one before it");
+    }
+    loads->push_back({step.at, entries, node.line});
+    drive->steps.push_back(std::move(step));
+  }
 }
 
 DriveScript parse(const JsonNode& root) {
   DriveFields fields(root, "a drive");
   DriveScript drive;
   drive.loops = fields.flag("loop").value_or(true);
+  const JsonNode* const lengthNode = fields.any("length_s");
   const std::optional<double> length = fields.number("length_s", SECONDS);
   const JsonNode* const steps = fields.list("steps");
   fields.finish();
   if (steps == nullptr || steps->items.empty())
-    throw JsonProblem(root.line, "a drive needs \"steps\", one at least");
-  for (const JsonNode& node : steps->items) {
-    DriveScript::Step step = parseStep(node, &drive.sensors);
-    if (!drive.steps.empty() && step.at < drive.steps.back().at) {
-      throw JsonProblem(node.line, "this step is earlier than the one before it");
-    }
-    drive.steps.push_back(std::move(step));
-  }
+    throw JsonProblem(steps == nullptr ? root.line : steps->line, "a drive needs \"steps\", one at least");
+  std::vector<Load> loads;
+  parseSteps(*steps, &drive, &loads);
   drive.length =
       length ? inMicroseconds(*length) : drive.steps.back().at + inMicroseconds(AFTER_THE_LAST_STEP);
-  if (drive.length < std::max(SHORTEST, drive.steps.back().at)) {
-    throw JsonProblem(root.line, "\"length_s\" must be 0.01 at least, and not before the last step");
+  if (length && drive.length < std::max(SHORTEST, drive.steps.back().at)) {
+    throw JsonProblem(lengthNode->line, "\"length_s\" must be 0.01 at least, and not before the last step");
   }
+  refuseTooMuch(loads, drive);
   return drive;
 }
 
@@ -75,9 +126,10 @@ std::optional<DriveScript> loadDrive(const std::string& path, std::string* error
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   std::ostringstream content;
-  content << file.rdbuf();
-  if (!file) {
-    *error = path + ": " + (errno != 0 ? std::strerror(errno) : "it is empty");
+  if (file) content << file.rdbuf();
+  // An empty file fails without a reason here, and is complained about below.
+  if (!file || (!content && errno != 0)) {
+    *error = path + ": " + (errno != 0 ? std::strerror(errno) : "it cannot be read");
     return {};
   }
   std::optional<DriveScript> drive = parseDrive(content.str(), error);

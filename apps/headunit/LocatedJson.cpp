@@ -4,10 +4,21 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
+#include "headunit/Printable.h"
+
 namespace headunit {
 namespace {
 
 using nlohmann::json;
+
+// More than anybody means, and few enough for what goes through the tree by recursion.
+constexpr std::size_t DEEPEST = 100;
+
+/// How far the parser has come.
+struct Trace {
+  const char* lastRead;
+  bool wantedMore = false;  ///< it has looked for a character behind the last one
+};
 
 /// Walks through the text and leaves behind where it has been.
 class TracedCharacter {
@@ -18,26 +29,31 @@ class TracedCharacter {
   using pointer = const char*;
   using reference = const char&;
 
-  TracedCharacter(const char* at, const char** lastRead) : at_(at), lastRead_(lastRead) {}
-  const char& operator*() const { return *(*lastRead_ = at_); }
+  TracedCharacter(const char* at, Trace* trace) : at_(at), trace_(trace) {}
+  const char& operator*() const { return *(trace_->lastRead = at_); }
   TracedCharacter& operator++() {
     ++at_;
     return *this;
   }
-  TracedCharacter operator++(int) { return {at_++, lastRead_}; }
-  bool operator==(const TracedCharacter& other) const { return at_ == other.at_; }
-  bool operator!=(const TracedCharacter& other) const { return at_ != other.at_; }
+  TracedCharacter operator++(int) { return {at_++, trace_}; }
+  // The parser compares with the end only, before each character that it takes.
+  bool operator==(const TracedCharacter& other) const {
+    const bool isAtEnd = at_ == other.at_;
+    trace_->wantedMore = isAtEnd;
+    return isAtEnd;
+  }
+  bool operator!=(const TracedCharacter& other) const { return !(*this == other); }
 
  private:
   const char* at_;
-  const char** lastRead_;
+  Trace* trace_;
 };
 
 /// Builds the tree from the parser's events. The members of an object carry their key until their value is
 /// there.
 class TreeBuilder {
  public:
-  TreeBuilder(const char* begin, const char* const* lastRead) : counted_(begin), lastRead_(lastRead) {}
+  TreeBuilder(const char* begin, const Trace* trace) : counted_(begin), trace_(trace) {}
 
   bool null() { return put({}); }
   bool boolean(bool value) {
@@ -64,9 +80,8 @@ class TreeBuilder {
     keys_.back() = std::move(name);
     return true;
   }
-  bool parse_error(std::size_t, const std::string& lastToken, const json::exception&) {
-    throw JsonProblem(line(), lastToken.empty() ? "the file ends too soon"
-                                                : "this is not JSON, at or before '" + lastToken + "'");
+  bool parse_error(std::size_t, const std::string& lastToken, const json::exception& error) {
+    throw JsonProblem(line(), reasonFor(printable(lastToken), error));
   }
 
   JsonNode takeRoot() { return std::move(root_); }
@@ -74,9 +89,16 @@ class TreeBuilder {
  private:
   // A number is known to end only by what follows it, so the last character read does not count yet.
   int line() {
-    line_ += static_cast<int>(std::count(counted_, *lastRead_, '\n'));
-    counted_ = *lastRead_;
+    line_ += static_cast<int>(std::count(counted_, trace_->lastRead, '\n'));
+    counted_ = trace_->lastRead;
     return line_;
+  }
+
+  std::string reasonFor(const std::string& lastToken, const json::exception& error) const {
+    if (dynamic_cast<const json::out_of_range*>(&error) != nullptr)
+      return "the number " + lastToken + " is too large";
+    if (trace_->wantedMore && !isComplete_) return "the file ends too soon";
+    return "this is not JSON, at or before '" + lastToken + "'";
   }
 
   bool number(double value) {
@@ -90,6 +112,7 @@ class TreeBuilder {
     JsonNode node;
     node.kind = kind;
     node.line = line();
+    if (open_.size() == DEEPEST) throw JsonProblem(node.line, "lists and objects are nested too deeply");
     open_.push_back(std::move(node));
     keys_.emplace_back();
     return true;
@@ -110,6 +133,7 @@ class TreeBuilder {
   bool add(JsonNode node) {
     if (open_.empty()) {
       root_ = std::move(node);
+      isComplete_ = true;
     } else if (open_.back().kind == JsonNode::Kind::list) {
       open_.back().items.push_back(std::move(node));
     } else {
@@ -119,21 +143,21 @@ class TreeBuilder {
   }
 
   const char* counted_;
-  const char* const* lastRead_;
+  const Trace* const trace_;
   int line_ = 1;
   std::vector<JsonNode> open_;
   std::vector<std::string> keys_;
   JsonNode root_;
+  bool isComplete_ = false;
 };
 
 }  // namespace
 
 JsonNode parseLocatedJson(const std::string& text) {
   const char* const begin = text.data();
-  const char* lastRead = begin;
-  TreeBuilder builder(begin, &lastRead);
-  json::sax_parse(TracedCharacter(begin, &lastRead), TracedCharacter(begin + text.size(), &lastRead),
-                  &builder);
+  Trace trace{begin};
+  TreeBuilder builder(begin, &trace);
+  json::sax_parse(TracedCharacter(begin, &trace), TracedCharacter(begin + text.size(), &trace), &builder);
   return builder.takeRoot();
 }
 

@@ -30,7 +30,7 @@ class JsonProblem : public std::runtime_error {
   int line_;
 };
 
-/// Throws JsonProblem for text that is not JSON.
+/// Throws JsonProblem for text that is not JSON, or is nested more deeply than any file of ours.
 JsonNode parseLocatedJson(const std::string& text);
 
 }  // namespace headunit

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "SensorTest.h"
@@ -11,10 +13,14 @@ namespace {
 
 using std::chrono::seconds;
 using test::bytes;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
+using testing::StartsWith;
 
 // ---- What is wrong with a file, and where ----
 
@@ -31,9 +37,37 @@ std::string problemOfValue(const std::string& member) {
 
 TEST(HeadunitDriveFile, TellsTheLineOfWhatIsNotJson) {
   EXPECT_THAT(problemOf("{\n\"steps\": [\n{\"t_s\": 0,}\n]}"), HasSubstr("line 3: this is not JSON"));
-  EXPECT_THAT(problemOf("{\n\"steps\": [\n{\"t_s\": 0"), HasSubstr("line 3: "));
-  EXPECT_THAT(problemOf(""), HasSubstr("line 1: "));
   EXPECT_THAT(problemOf("{\"steps\": []} x"), HasSubstr("line 1: this is not JSON"));
+  EXPECT_THAT(problemOf("{\"steps\": []}\n7"), HasSubstr("line 2: this is not JSON"));
+}
+
+TEST(HeadunitDriveFile, TellsThatItEndsTooSoonWhereverItIsCut) {
+  const std::string whole = "{\"loop\": true,\n\"steps\": [{\"t_s\": 12.5e0, \"gear\": \"park\"}]\n}";
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    const std::string part = whole.substr(0, length);
+    EXPECT_THAT(problemOf(part), EndsWith(": the file ends too soon")) << part;
+  }
+  EXPECT_EQ(problemOf("{\n\"steps\": [\n{\"t_s\": 0\n"), "line 3: the file ends too soon");
+}
+
+TEST(HeadunitDriveFile, TellsOfNumbersThatNoNumberCanHold) {
+  EXPECT_EQ(problemOfValue("\"rpm\": 1e999"), "line 3: the number 1e999 is too large");
+}
+
+TEST(HeadunitDriveFile, IsNotNestedWithoutEnd) {
+  EXPECT_THAT(problemOf("{\"steps\":\n" + std::string(1'000'000, '[')),
+              HasSubstr("line 2: lists and objects are nested too deeply"));
+}
+
+TEST(HeadunitDriveFile, IsComplainedAboutInOneLineOfATerminal) {
+  EXPECT_THAT(problemOfValue("\"\\u001b[2J\\u0007\\u009b\": 1"),
+              HasSubstr("there is no \"?[2J??\" in a step"));
+  EXPECT_THAT(problemOfValue("\"\\u001b\": 1, \"\\u001b\": 1"), HasSubstr("\"?\" stands twice in a step"));
+  const std::string endless(100'000, 'x');
+  EXPECT_LT(problemOfValue("\"" + endless + "\": 1").size(), 1000U);
+  EXPECT_LT(problemOfValue("\"" + endless + "\": 1, \"" + endless + "\": 1").size(), 1000U);
+  EXPECT_LT(problemOf("\"" + endless + "\" 1").size(), 1000U);
+  EXPECT_THAT(problemOf("[\"\xC2\x9B\" 1]"), Not(HasSubstr("\xC2\x9B")));
 }
 
 TEST(HeadunitDriveFile, TellsTheLineOfANumberThatIsOutOfRange) {
@@ -55,7 +89,7 @@ TEST(HeadunitDriveFile, TellsOfMembersThatStandTwice) {
 
 TEST(HeadunitDriveFile, TellsOfMembersThatAreMissing) {
   EXPECT_THAT(problemOf("{}"), HasSubstr("a drive needs \"steps\""));
-  EXPECT_THAT(problemOf("{\"steps\": []}"), HasSubstr("a drive needs \"steps\", one at least"));
+  EXPECT_EQ(problemOf("{\n\"steps\": []\n}"), "line 2: a drive needs \"steps\", one at least");
   EXPECT_THAT(problemOf("{\"steps\": [\n{\"rpm\": 1}]}"), HasSubstr("line 2: a step needs \"t_s\""));
   EXPECT_THAT(problemOfValue("\"location\": {\"latitude_deg\": 1}"),
               HasSubstr("location needs \"longitude_deg\""));
@@ -74,14 +108,81 @@ TEST(HeadunitDriveFile, TellsOfValuesOfTheWrongKind) {
 TEST(HeadunitDriveFile, TellsOfTimesThatGoBack) {
   EXPECT_EQ(problemOf("{\"steps\": [{\"t_s\": 2},\n{\"t_s\": 1}]}"),
             "line 2: this step is earlier than the one before it");
-  EXPECT_THAT(problemOf("{\"steps\": [{\"t_s\": 2}], \"length_s\": 1}"), HasSubstr("\"length_s\" must be"));
-  EXPECT_THAT(problemOf("{\"steps\": [{\"t_s\": 0}], \"length_s\": 0}"), HasSubstr("\"length_s\" must be"));
+}
+
+TEST(HeadunitDriveFile, TellsTheLineOfALengthThatIsTooShort) {
+  const std::string words = "\"length_s\" must be 0.01 at least, and not before the last step";
+  EXPECT_EQ(problemOf("{\"steps\": [{\"t_s\": 2}],\n\n\"length_s\": 1\n}"), "line 3: " + words);
+  EXPECT_EQ(problemOf("{\"steps\": [{\"t_s\": 0}],\n\"length_s\": 0}"), "line 2: " + words);
+}
+
+// ---- How much it may tell ----
+
+/// A drive that begins anew after a second, and each of whose steps, one a line, has so many entries.
+std::string driveOf(const std::vector<std::pair<double, int>>& steps) {
+  std::ostringstream text;
+  text << "{\"length_s\": 1, \"steps\": [";
+  for (const auto& [time, entries] : steps) {
+    text << (&time == &steps[0].first ? "\n" : ",\n") << "{\"t_s\": " << time << ", \"tires_kpa\": [240";
+    for (int i = 1; i < entries; ++i) text << ", 240";
+    text << "]}";
+  }
+  return text.str() + "]}";
+}
+
+testing::Matcher<std::string> tooMuchInLine(int line) {
+  return AllOf(StartsWith("line " + std::to_string(line) + ": "), HasSubstr("more than 2000 numbers"));
+}
+
+bool isPlayed(const std::string& text) {
+  std::string error;
+  return parseDrive(text, &error).has_value();
+}
+
+TEST(HeadunitDriveFile, TellsTwoThousandEntriesASecondAtMost) {
+  EXPECT_TRUE(isPlayed(driveOf({{0, 1000}, {0.5, 1000}})));
+  EXPECT_THAT(problemOf(driveOf({{0, 1000}, {0.5, 1000}, {0.5, 1}})), tooMuchInLine(4));
+  EXPECT_THAT(problemOf(driveOf({{0.25, 2001}})), tooMuchInLine(2));
+}
+
+TEST(HeadunitDriveFile, TellsNoMoreInTheSecondOfItsNewBeginning) {
+  const auto drive = [](const char* length, int entries, const char* rest) {
+    std::string bytes = "1";
+    for (int i = 1; i < entries; ++i) bytes += ",1";
+    return std::string(
+               "{\"steps\": [\n{\"t_s\": 0.4, \"satellites\": []},\n{\"t_s\": 9, \"diagnostics\": [") +
+           bytes + "]}], \"length_s\": " + length + rest + "}";
+  };
+  EXPECT_TRUE(isPlayed(drive("9.5", 1999, "")));
+  EXPECT_THAT(problemOf(drive("9.5", 2000, "")), tooMuchInLine(2));
+  EXPECT_TRUE(isPlayed(drive("9.6", 2000, ""))) << "a second lies between";
+  EXPECT_TRUE(isPlayed(drive("9.5", 2000, ", \"loop\": false")));
+}
+
+TEST(HeadunitDriveFile, MayBeginAnewManyTimesASecondWithinThat) {
+  std::string steps;
+  for (int i = 0; i < 20; ++i) steps += std::string(i > 0 ? "," : "") + "\n{\"t_s\": 0, \"rpm\": 800}";
+  EXPECT_TRUE(isPlayed("{\"length_s\": 0.01, \"steps\": [" + steps + "]}"));
+  EXPECT_THAT(problemOf("{\"length_s\": 0.01, \"steps\": [" + steps + ",\n{\"t_s\": 0, \"rpm\": 800}]}"),
+              HasSubstr("more than 2000 numbers"));
 }
 
 TEST(HeadunitDriveFile, IsNamedIfItCannotBeRead) {
   std::string error;
   EXPECT_FALSE(loadDrive("/nonexistent/drive.json", &error));
   EXPECT_EQ(error, "/nonexistent/drive.json: No such file or directory");
+  const std::string folder = std::filesystem::temp_directory_path().string();
+  EXPECT_FALSE(loadDrive(folder, &error));
+  EXPECT_EQ(error, folder + ": Is a directory");
+}
+
+TEST(HeadunitDriveFile, MayNotBeEmpty) {
+  std::string path = (std::filesystem::temp_directory_path() / "headunit-XXXXXX").string();
+  ::close(::mkstemp(path.data()));
+  std::string error;
+  EXPECT_FALSE(loadDrive(path, &error));
+  std::filesystem::remove(path);
+  EXPECT_EQ(error, path + ", line 1: the file ends too soon");
 }
 
 TEST(HeadunitDriveFile, MayBeShort) {

@@ -2,6 +2,7 @@
 #define PHONE_MEDIAFEED_H
 
 #include <optional>
+#include <string>
 
 #include "phone/Bytes.h"
 #include "phone/Timers.h"
@@ -27,6 +28,8 @@ class MediaFeed {
   /// Sent once before the first unit; empty if the codec needs none.
   virtual Bytes codecConfig() = 0;
   virtual Pull next(MediaUnit* unit) = 0;
+  /// Why next() came to no end but broke off, as words for the user; empty if it did not.
+  virtual std::string problem() const { return {}; }
   /// When the next unit is due, where that is known before it is made: a live one is then made no earlier.
   virtual std::optional<Micros> nextDue() const { return std::nullopt; }
   /// The unit that next() gave last has been handed to the link.

@@ -210,7 +210,11 @@ bool MediaStream::drain() {
 
 // ---- Ends ----
 
-void MediaStream::finishPlayed() { finish({true, Side::phone, "played the stream to its end", ""}); }
+void MediaStream::finishPlayed() {
+  const std::string problem = feed_->problem();
+  if (problem.empty()) return finish({true, Side::phone, "played the stream to its end", ""});
+  finish({false, Side::phone, problem, "what came before was played; repair the file or choose another"});
+}
 
 void MediaStream::fail(const std::string& what, const std::string& advice) {
   finish({false, Side::headUnit, what, advice});

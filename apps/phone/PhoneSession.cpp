@@ -100,6 +100,8 @@ void PhoneSession::addTrouble(const std::string& what, const LinkEnd& end) {
 void PhoneSession::onVideoDone(const LinkEnd& end) {
   if (link_->end()) return;
   if (!end.clean) problem_ = end;
+  // A file that breaks off is told at once; what the head unit does to the picture, the link's end tells.
+  if (!end.clean && end.side == Side::phone) addTrouble("picture", end);
   leave();
 }
 

@@ -46,7 +46,7 @@ class PhoneSession : public LinkObserver {
   Micros pictureTime() const { return pictureTime_; }
   const SoundPlayer& sounds() const { return sounds_; }
   const CarServices& car() const { return car_; }
-  /// What went wrong beside the picture, in words; none of it ends the link.
+  /// What went wrong beside the link, in words. Of it only a picture that breaks off ends the link.
   const std::vector<std::string>& troubles() const { return troubles_; }
   /// Called at each of them.
   void onTrouble(std::function<void(const std::string& what)> call) { trouble_ = std::move(call); }

@@ -25,6 +25,8 @@ class SoundFeed : public MediaFeed {
     return Pull::unit;
   }
 
+  std::string problem() const override { return source_->problem(); }
+
  private:
   std::unique_ptr<PcmSource> source_;
 };

@@ -29,6 +29,8 @@ class VideoFeed : public MediaFeed {
     return Pull::unit;
   }
 
+  std::string problem() const override { return source_->problem(); }
+
   std::optional<Micros> nextDue() const override {
     return live_ != nullptr ? std::optional<Micros>(live_->nextDueUs()) : std::nullopt;
   }

@@ -27,8 +27,10 @@ struct NumberFeed : MediaFeed {
   bool pauses = false;
   Bytes config = bytes("C0 C1");
   int given = 0;
+  std::string breaks;
 
   phone::Bytes codecConfig() override { return config; }
+  std::string problem() const override { return breaks; }
   Pull next(MediaUnit* unit) override {
     if (pauses) return Pull::later;
     if (given == count) return Pull::end;
@@ -233,6 +235,15 @@ TEST_F(PhoneMediaStream, EndsAfterItsLimitOfUnits) {
   EXPECT_EQ(feed->given, 2);
   acknowledge(2);
   EXPECT_THAT(headUnit.hearsMessages(), ElementsAre(bytes("80 02")));
+}
+
+TEST_F(PhoneMediaStream, FailsWhereItsFeedBreaksOffOnceThatFarIsPlayed) {
+  feed->breaks = "the file breaks off";
+  start(10);
+  EXPECT_FALSE(done);
+  acknowledge(3);
+  expectFailure("the file breaks off");
+  EXPECT_EQ(done->side, phone::Side::phone);
 }
 
 TEST_F(PhoneMediaStream, DoesNotWaitForeverForTheLastAcknowledgements) {

@@ -21,7 +21,9 @@ struct TwoLivePictures : phone::TestPictureSource {
   int given = 0;
   std::uint32_t sequence = 0;
   std::uint32_t shown = 0;
+  std::string breaks;
   std::vector<std::uint8_t> codecConfig() override { return {}; }
+  std::string problem() const override { return breaks; }
   bool next(phone::AccessUnit* unit) override {
     if (given == 2) return false;
     unit->data = bytes("00 00 00 01 65");
@@ -76,6 +78,7 @@ struct PhoneSessionServices : testing::Test {
   phone::Timers timers;
   phone::SessionOptions options;
   std::unique_ptr<phone::PhoneSession> session;
+  std::string pictureBreaks;
 
   PhoneSessionServices() {
     options.sounds = {AUDIO_STREAM_MEDIA};
@@ -87,9 +90,12 @@ struct PhoneSessionServices : testing::Test {
     };
   }
   void bringUp(const ServiceDiscoveryResponse& services = wholeCar()) {
-    session = std::make_unique<phone::PhoneSession>(
-        &link, &timers, options,
-        [](phone::PictureSize, std::string*) { return std::make_unique<TwoLivePictures>(); });
+    session = std::make_unique<phone::PhoneSession>(&link, &timers, options,
+                                                    [this](phone::PictureSize, std::string*) {
+                                                      auto pictures = std::make_unique<TwoLivePictures>();
+                                                      pictures->breaks = pictureBreaks;
+                                                      return pictures;
+                                                    });
     session->start();
     headUnit.asksVersion();
     headUnit.shakesHands();
@@ -161,6 +167,19 @@ TEST_F(PhoneSessionServices, EndsSoundAndMicrophoneWithThePicture) {
   headUnit.sends(0, bytes("00 10"));
   EXPECT_TRUE(session->outcome().clean);
   EXPECT_THAT(session->troubles(), IsEmpty());
+}
+
+TEST_F(PhoneSessionServices, APictureThatBreaksOffIsATroubleAndNoCleanEnd) {
+  pictureBreaks = "the file breaks off";
+  bringUp();
+  configures(SCREEN);
+  timers.advance(40'000);
+  timers.advance(80'000);
+  headUnit.sends(SCREEN, bytes("80 04 08 01 10 02"));
+  EXPECT_THAT(session->troubles(), ElementsAre(HasSubstr("picture: phone: the file breaks off")));
+  headUnit.sends(0, bytes("00 10"));
+  EXPECT_FALSE(session->outcome().clean);
+  EXPECT_THAT(session->outcome().words(), HasSubstr("the file breaks off"));
 }
 
 TEST_F(PhoneSessionServices, UnpacedSoundKeepsToThePicture) {

@@ -89,6 +89,7 @@ class AudioFile final : public PcmSource {
 
   int sampleRate() const override { return sampleRate_; }
   int channels() const override { return channels_; }
+  std::string problem() const override { return problem_; }
 
   bool next(int milliseconds, PcmBlock* block) override {
     const auto frames = static_cast<std::size_t>(clock_.startBlock(std::max(milliseconds, 1)));
@@ -119,12 +120,13 @@ class AudioFile final : public PcmSource {
     const bool converted = resampler_.convert(frame, &ready_);
     passIsHeard_ = passIsHeard_ || ready_.size() > before;
     if (converted && frame != nullptr) return true;
+    if (frame == nullptr) problem_ = breakOff(path_, decoder_->problem());
     decoder_.reset();
+    if (!problem_.empty()) return false;
     // A file too short to give a single sample would be read again and again for ever.
     if (!converted || !loop_ || !passIsHeard_) return false;
     passIsHeard_ = false;
-    std::string ignored;
-    decoder_ = MediaDecoder::open(path_, AVMEDIA_TYPE_AUDIO, &ignored);
+    decoder_ = MediaDecoder::open(path_, AVMEDIA_TYPE_AUDIO, &problem_);
     resampler_ = Resampler(sampleRate_, channels_);
     return decoder_ != nullptr;
   }
@@ -138,6 +140,7 @@ class AudioFile final : public PcmSource {
   bool loop_;
   bool passIsHeard_ = false;  // this pass through the file has given sound
   std::vector<std::uint8_t> ready_;
+  std::string problem_;
 };
 
 }  // namespace

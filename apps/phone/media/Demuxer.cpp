@@ -51,6 +51,15 @@ FormatPtr openFormat(const std::string& path, std::string* error) {
   return nullptr;
 }
 
+// What reading came to; 0 for the end of the file. Some formats take a failed read for the end, and some tell
+// the end as a failed read: whether one failed, the input itself knows.
+int troubleAtEnd(const AVFormatContext& format, int result) {
+  const AVIOContext* input = format.pb;
+  if (input != nullptr && input->error < 0 && input->error != AVERROR_EOF) return input->error;
+  const bool atEnd = input != nullptr && input->eof_reached != 0;
+  return result == AVERROR_EOF || (result == AVERROR(EIO) && atEnd) ? 0 : result;
+}
+
 }  // namespace
 
 std::unique_ptr<Demuxer> Demuxer::open(const std::string& path, AVMediaType kind, std::string* error) {
@@ -70,10 +79,12 @@ std::unique_ptr<Demuxer> Demuxer::open(const std::string& path, AVMediaType kind
 }
 
 bool Demuxer::next(AVPacket* packet) {
-  while (av_read_frame(format_.get(), packet) >= 0) {
+  int result = 0;
+  while ((result = av_read_frame(format_.get(), packet)) >= 0) {
     if (packet->stream_index == stream_) return true;
     av_packet_unref(packet);
   }
+  problem_ = troubleAtEnd(*format_, result);
   return false;
 }
 

@@ -17,6 +17,9 @@ class Demuxer {
   /// Fills `*packet` with the stream's next packet; false at the end of the file or where it breaks off.
   [[nodiscard]] bool next(AVPacket* packet);
 
+  /// Why next() came to no end of the file but broke off; empty if it did not.
+  std::string problem() const { return problem_ < 0 ? ffmpegError(problem_) : std::string(); }
+
   const AVStream& stream() const { return *format_->streams[stream_]; }
 
   /// The stream's own frame rate, or `fallback` if it tells none.
@@ -35,6 +38,7 @@ class Demuxer {
 
   FormatPtr format_;
   int stream_;
+  int problem_ = 0;
 };
 
 }  // namespace phone

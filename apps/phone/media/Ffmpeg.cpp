@@ -15,6 +15,10 @@ std::string ffmpegError(int number) {
   return text.data();
 }
 
+std::string breakOff(const std::string& path, const std::string& problem) {
+  return problem.empty() ? problem : "the file '" + path + "' breaks off: " + problem;
+}
+
 FramePtr makeYuvFrame(int width, int height) {
   FramePtr frame(av_frame_alloc());
   if (!frame) return nullptr;

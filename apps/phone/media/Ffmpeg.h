@@ -36,6 +36,9 @@ using ResamplerPtr = std::unique_ptr<SwrContext, FfmpegFree>;
 /// FFmpeg's words for one of its error numbers.
 std::string ffmpegError(int number);
 
+/// What the user is told of a file that could be read no further because of `problem`; empty without one.
+std::string breakOff(const std::string& path, const std::string& problem);
+
 /// A YUV 4:2:0 frame with its own buffers; null if there is no memory for it.
 FramePtr makeYuvFrame(int width, int height);
 

@@ -79,7 +79,12 @@ bool MediaDecoder::decode() {
       ++failures;
     }
   }
+  isStuck_ = true;
   return false;
+}
+
+std::string MediaDecoder::problem() const {
+  return isStuck_ ? "it cannot be decoded any further" : demuxer_->problem();
 }
 
 AVFrame* MediaDecoder::next() {

@@ -22,6 +22,9 @@ class MediaDecoder {
   /// The next frame, valid until the next call; null at the end.
   [[nodiscard]] AVFrame* next();
 
+  /// Why next() came to no end of the file but broke off; empty if it did not.
+  std::string problem() const;
+
   const Demuxer& demuxer() const { return *demuxer_; }
   const AVCodecContext& codec() const { return *codec_; }
 
@@ -35,6 +38,7 @@ class MediaDecoder {
   PacketPtr packet_;
   FramePtr frame_;
   bool pending_ = false;  // frame_ was decoded ahead
+  bool isStuck_ = false;  // the decoder failed on and on
 };
 
 }  // namespace phone

@@ -78,11 +78,13 @@ bool PassthroughVideo::readFromKeyframe() {
 }
 
 bool PassthroughVideo::restart() {
+  problem_ = breakOff(path_, demuxer_->problem());
+  if (!problem_.empty() || !options_.loop) return false;
   // Opening the file anew is exact for every container, seeking to the start is not.
-  std::string ignored;
-  demuxer_ = Demuxer::open(path_, AVMEDIA_TYPE_VIDEO, &ignored);
-  if (!demuxer_ || demuxer_->stream().codecpar->codec_id != AV_CODEC_ID_H264) return false;
-  if (!startFilter(&ignored)) return false;
+  std::unique_ptr<Demuxer> again = Demuxer::open(path_, AVMEDIA_TYPE_VIDEO, &problem_);
+  if (!again || again->stream().codecpar->codec_id != AV_CODEC_ID_H264) return false;
+  demuxer_ = std::move(again);
+  if (!startFilter(&problem_)) return false;
   clock_.startAgain();
   atStart_ = true;
   return readFromKeyframe();
@@ -98,7 +100,7 @@ void PassthroughVideo::stamp(AccessUnit* unit) {
 
 bool PassthroughVideo::next(AccessUnit* unit) {
   if (ended_ || (options_.frames > 0 && returned_ == options_.frames)) return false;
-  const bool ready = pending_ || readFromKeyframe() || (options_.loop && restart());
+  const bool ready = pending_ || readFromKeyframe() || restart();
   pending_ = false;
   if (!ready) {
     ended_ = true;

@@ -22,6 +22,7 @@ class PassthroughVideo : public VideoSource {
 
   std::vector<std::uint8_t> codecConfig() override { return config_; }
   bool next(AccessUnit* unit) override;
+  std::string problem() const override { return problem_; }
   int width() const override { return width_; }
   int height() const override { return height_; }
 
@@ -47,6 +48,7 @@ class PassthroughVideo : public VideoSource {
   bool atStart_ = true;   // the next packet is the first of a pass through the file
   bool pending_ = false;  // packet_ was read ahead
   bool ended_ = false;
+  std::string problem_;
 };
 
 }  // namespace phone

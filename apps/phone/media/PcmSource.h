@@ -25,6 +25,9 @@ class PcmSource {
   /// when nothing is left, and at every call after it. Where a millisecond is no whole number of samples,
   /// blocks differ by one sample so that the sum stays exact.
   virtual bool next(int milliseconds, PcmBlock* block) = 0;
+
+  /// Why next() came to no end but broke off, as words for the user; empty if it did not.
+  virtual std::string problem() const { return {}; }
 };
 
 /// Opens a local file of any kind that FFmpeg reads and brings its sound to `sampleRate` (8000 to 192000) and

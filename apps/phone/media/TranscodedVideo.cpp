@@ -33,9 +33,10 @@ std::unique_ptr<TranscodedVideo> TranscodedVideo::open(const std::string& path,
 }
 
 bool TranscodedVideo::restart() {
+  problem_ = breakOff(path_, decoder_->problem());
+  if (!problem_.empty() || !options_.loop) return false;
   // Opening the file anew is exact for every container, seeking to the start is not.
-  std::string ignored;
-  std::unique_ptr<MediaDecoder> again = MediaDecoder::open(path_, AVMEDIA_TYPE_VIDEO, &ignored);
+  std::unique_ptr<MediaDecoder> again = MediaDecoder::open(path_, AVMEDIA_TYPE_VIDEO, &problem_);
   if (!again) return false;
   decoder_ = std::move(again);
   clock_.startAgain();
@@ -44,7 +45,7 @@ bool TranscodedVideo::restart() {
 
 bool TranscodedVideo::readAhead() {
   AVFrame* frame = decoder_->next();
-  if (frame == nullptr && options_.loop && restart()) frame = decoder_->next();
+  if (frame == nullptr && restart()) frame = decoder_->next();
   if (frame == nullptr) return false;
   av_frame_unref(ahead_.get());
   av_frame_move_ref(ahead_.get(), frame);

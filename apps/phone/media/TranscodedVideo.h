@@ -24,6 +24,7 @@ class TranscodedVideo : public VideoSource {
 
   std::vector<std::uint8_t> codecConfig() override { return encoder_->codecConfig(); }
   bool next(AccessUnit* unit) override;
+  std::string problem() const override { return problem_; }
   int width() const override { return options_.width; }
   int height() const override { return options_.height; }
 
@@ -47,6 +48,7 @@ class TranscodedVideo : public VideoSource {
   AVFrame* fitted_ = nullptr;
   std::int64_t returned_ = 0;
   bool ended_ = false;
+  std::string problem_;
 };
 
 }  // namespace phone

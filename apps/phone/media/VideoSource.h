@@ -40,6 +40,9 @@ class VideoSource {
   /// Fills `*unit` with the next access unit; false at the end, and at every call after it.
   virtual bool next(AccessUnit* unit) = 0;
 
+  /// Why next() came to no end but broke off, as words for the user; empty if it did not.
+  virtual std::string problem() const { return {}; }
+
   virtual int width() const = 0;
   virtual int height() const = 0;
 };

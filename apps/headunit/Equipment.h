@@ -17,7 +17,7 @@
 #include "headunit/SlowWork.h"
 #include "headunit/TouchScript.h"
 #include "headunit/VideoPipeline.h"
-#include "headunit/services/PairedPhones.h"
+#include "headunit/services/PhoneAddresses.h"
 
 namespace headunit {
 

@@ -13,6 +13,7 @@ const Bytes READY = bytes(
     "10 00");  // already_paired: no
 const Bytes KNOWN = bytes("80 02 08 00 10 01");
 const Bytes DELAYED = bytes("80 02 08 F6 FF FF FF FF FF FF FF FF 01 10 00");
+const Bytes REFUSED = bytes("80 02 08 FD FF FF FF FF FF FF FF FF 01 10 00");  // -3
 const Bytes AUTHENTICATION = bytes(
                                  "80 03"     // MESSAGE_BLUETOOTH_AUTHENTICATION_DATA
                                  "0A 06") +  // auth_data
@@ -26,12 +27,16 @@ struct HeadunitPairing : ServicesTest {
   PairingManner manner(bool answersItself) {
     return {answersItself, &paired, [this] { return std::to_string(123456 + passkeys++); }};
   }
-  void asks(BluetoothPairingMethod method = BLUETOOTH_PAIRING_METHOD_2,
-            const std::string& address = PHONE_ADDRESS) {
+  static BluetoothPairingRequest request(BluetoothPairingMethod method = BLUETOOTH_PAIRING_METHOD_2,
+                                         const std::string& address = PHONE_ADDRESS) {
     BluetoothPairingRequest request;
     request.set_phone_address(address);
     request.set_pairing_method(method);
-    sends(MESSAGE_BLUETOOTH_PAIRING_REQUEST, request);
+    return request;
+  }
+  void asks(BluetoothPairingMethod method = BLUETOOTH_PAIRING_METHOD_2,
+            const std::string& address = PHONE_ADDRESS) {
+    sends(MESSAGE_BLUETOOTH_PAIRING_REQUEST, request(method, address));
   }
 };
 
@@ -94,9 +99,38 @@ TEST_F(HeadunitPairing, TellsThePhoneThatTheUserRefuses) {
   asks();
   sent();
   EXPECT_TRUE(pairing.host().answer(false));
-  EXPECT_THAT(sent(), ElementsAre(bytes("80 02 08 FD FF FF FF FF FF FF FF FF 01 10 00")));  // -3
+  EXPECT_THAT(sent(), ElementsAre(REFUSED));
   EXPECT_FALSE(paired.knows(PHONE_ADDRESS));
   EXPECT_EQ(tally.totals().pairingsRefused, 1U);
+}
+
+TEST_F(HeadunitPairing, AsksTheUserNoMoreAboutAPhoneThatWasRefused) {
+  open(&pairing);
+  asks();
+  pairing.host().answer(false);
+  sent();
+  asks();
+  EXPECT_FALSE(view().pairing);
+  EXPECT_THAT(sent(), ElementsAre(REFUSED));
+  EXPECT_EQ(tally.totals().pairingsRefused, 2U);
+  asks(BLUETOOTH_PAIRING_METHOD_2, "02:00:00:5E:77:02");
+  ASSERT_TRUE(view().pairing);
+  EXPECT_EQ(view().pairing->phoneAddress, "02:00:00:5E:77:02");
+}
+
+TEST_F(HeadunitPairing, RefusesForOneLinkOnly) {
+  open(&pairing);
+  asks();
+  pairing.host().answer(false);
+  ASSERT_FALSE(view().pairing);
+  test::PlainLink another;
+  ServiceContext there = context;
+  there.router = another.router();
+  PairingEndpoint next(SERVICE, there, manner(false));
+  another.registers(&next);
+  another.opens(CHANNEL, SERVICE);
+  another.sends(CHANNEL, MESSAGE_BLUETOOTH_PAIRING_REQUEST, request());
+  EXPECT_TRUE(view().pairing);
 }
 
 TEST_F(HeadunitPairing, KnowsAPhoneThatWasPairedBefore) {

@@ -61,8 +61,9 @@ void PairingService::pairingRequest(std::string const& phoneAddress, int pairing
   if (!isOffered(pairingMethod) || phoneAddress.size() > LONGEST_ADDRESS) {
     spdlog::warn("The phone wants to be paired by method {} and an address of {} bytes: refused.",
                  pairingMethod, phoneAddress.size());
-    context_.tally->count(&ServiceTotals::pairingsRefused);
-    endpoint_->sendPairingResponse(STATUS_INVALID_CONFIGURATION, false);
+    refuse(STATUS_INVALID_CONFIGURATION);
+  } else if (refused_.knows(phoneAddress)) {
+    refuse(STATUS_AUTHENTICATION_FAILURE);
   } else if (manner_.paired->knows(phoneAddress)) {
     context_.tally->count(&ServiceTotals::pairingsAccepted);
     endpoint_->onReadyForPairing(true);
@@ -82,8 +83,13 @@ void PairingService::ask(const std::string& address, int method) {
     answer(true);
     return;
   }
-  if (!asksAlready)
-    spdlog::info("The phone {} asks to be paired: Enter accepts, Back refuses.", printable(address));
+  if (!asksAlready) {
+    spdlog::info(
+        "The phone {} asks to be paired: in the window, Alt+Return accepts and Alt+Backspace refuses, or a "
+        "click; "
+        "--auto-pair answers by itself.",
+        printable(address));
+  }
   context_.tally->count(&ServiceTotals::pairingsDelayed);
   endpoint_->requestDelayedPairing();
 }
@@ -95,10 +101,15 @@ bool PairingService::answer(bool accepts) {
   if (accepts) {
     accept(asked->phoneAddress, asked->passkey);
   } else {
-    context_.tally->count(&ServiceTotals::pairingsRefused);
-    endpoint_->sendPairingResponse(STATUS_AUTHENTICATION_FAILURE, false);
+    refused_.add(asked->phoneAddress);
+    refuse(STATUS_AUTHENTICATION_FAILURE);
   }
   return true;
+}
+
+void PairingService::refuse(MessageStatus reason) {
+  context_.tally->count(&ServiceTotals::pairingsRefused);
+  endpoint_->sendPairingResponse(reason, false);
 }
 
 void PairingService::accept(const std::string& address, const std::string& passkey) {

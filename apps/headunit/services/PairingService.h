@@ -3,7 +3,7 @@
 #include <BluetoothEndpoint.h>
 
 #include "headunit/services/Hosted.h"
-#include "headunit/services/PairedPhones.h"
+#include "headunit/services/PhoneAddresses.h"
 
 namespace headunit {
 
@@ -22,7 +22,9 @@ struct PairingManner {
 ///
 /// The passkey goes to the phone as authentication data once the pairing has been accepted. While the user is
 /// asked the phone is told to wait, and may ask again as often as it likes. So is a phone of another address:
-/// it is heard when it asks again after the answer.
+/// it is heard when it asks again after the answer. A phone that the user has refused is refused at once from
+/// then on, for as long as its link lasts: some ask again without end, and nobody wants to answer without
+/// end.
 class PairingService : public IBluetoothCallbacks {
  public:
   using Interface = IBluetoothCallbacks;
@@ -39,10 +41,12 @@ class PairingService : public IBluetoothCallbacks {
 
  private:
   void accept(const std::string& address, const std::string& passkey);
+  void refuse(MessageStatus reason);
   void ask(const std::string& address, int method);
 
   const ServiceContext context_;
   const PairingManner manner_;
+  PhoneAddresses refused_;
   BluetoothEndpoint* endpoint_ = nullptr;
 };
 

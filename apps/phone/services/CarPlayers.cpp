@@ -29,7 +29,11 @@ void BluetoothPlayer::onMessage(const Message& message) {
   const auto answer = message.as<BluetoothPairingResponse>();
   if (!answer) return;
   paired_ = answer->status() == STATUS_SUCCESS;
-  if (answer->status() == STATUS_PAIRING_DELAYED) wake(second);
+  if (answer->status() == STATUS_PAIRING_DELAYED) {
+    wake(second);
+  } else {
+    rest();  // that was the answer, whatever has been asked again meanwhile
+  }
 }
 
 // ---- Radio ----

@@ -6,8 +6,8 @@
 
 namespace headunit {
 
-/// The phones that this car has been paired with, for as long as the program runs. Any thread.
-class PairedPhones {
+/// Phones, by their addresses. Any thread.
+class PhoneAddresses {
  public:
   bool knows(const std::string& address) const {
     const std::lock_guard lock(mutex_);
@@ -26,5 +26,8 @@ class PairedPhones {
   mutable std::mutex mutex_;
   std::set<std::string> addresses_;
 };
+
+/// Those that this car has been paired with, for as long as the program runs.
+using PairedPhones = PhoneAddresses;
 
 }  // namespace headunit

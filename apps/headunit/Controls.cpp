@@ -32,7 +32,9 @@ void Controls::attach(InputSource* source, ControlTotals* totals, LinkStats* sta
   source_ = source;
   totals_ = totals;
   stats_ = stats;
-  fingers_ = Fingers();  // what is still down was meant for another phone
+  // What is still down was meant for another phone.
+  fingers_ = Fingers();
+  keysDown_.clear();
 }
 
 void Controls::detach() { attach(nullptr, nullptr); }
@@ -70,10 +72,13 @@ void Controls::report(const std::optional<TouchChange>& change) {
 void Controls::key(const KeyAction& action) {
   const std::lock_guard lock(mutex_);
   if (source_ == nullptr || !source_->isChannelOpen()) return;
+  const bool presses = action.kind == KeyAction::Kind::press;
+  if (!presses && keysDown_.count(action.code) == 0) return;
   const int status = action.kind == KeyAction::Kind::longPress
                          ? source_->reportKeyLongPress(timestamp(), action.code, action.modifiers)
-                         : source_->reportKey(timestamp(), action.code, action.kind == KeyAction::Kind::press,
-                                              action.modifiers);
+                         : source_->reportKey(timestamp(), action.code, presses, action.modifiers);
+  if (presses && status == STATUS_SUCCESS) keysDown_.insert(action.code);
+  if (action.kind == KeyAction::Kind::release) keysDown_.erase(action.code);
   count(&ControlTotals::keys, status);
 }
 

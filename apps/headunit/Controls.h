@@ -39,7 +39,8 @@ class Controls {
   void touchMove(unsigned int id, Point place, Size picture);
   void touchUp(unsigned int id);
 
-  /// A key that the phone has not bound is not reported.
+  /// A key that the phone has not bound is not reported, nor the end of a press that this phone knows nothing
+  /// of.
   void key(const KeyAction& action);
   void turn(int delta);
 
@@ -52,6 +53,7 @@ class Controls {
   ControlTotals* totals_ = nullptr;
   LinkStats* stats_ = nullptr;
   Fingers fingers_;
+  std::set<unsigned int> keysDown_;  // of which the phone has been told
 };
 
 }  // namespace headunit

@@ -1,5 +1,7 @@
 #include "headunit/TouchScript.h"
 
+#include <spdlog/spdlog.h>
+
 #include <charconv>
 
 namespace headunit {
@@ -29,11 +31,23 @@ TimePoint TouchPlayer::act(TimePoint now) {
   if (picture.width == 0) return now + BEFORE_THE_FIRST_PICTURE;
   if (down_) {
     controls_->touchUp(SCRIPTED_FINGER);
-  } else {
+    down_ = false;
+  } else if (isInside(picture)) {
     controls_->touchDown(SCRIPTED_FINGER, script_.place, picture);
+    down_ = true;
   }
-  down_ = !down_;
   return now + script_.every / 2;
+}
+
+bool TouchPlayer::isInside(Size picture) {
+  const Point place = script_.place;
+  const bool inside = contains({0, 0, picture.width, picture.height}, place);
+  if (!inside && !complained_) {
+    spdlog::warn("Nothing is tapped: {},{} is no place of a picture of {}x{} pixels; check --touch.", place.x,
+                 place.y, picture.width, picture.height);
+  }
+  complained_ = complained_ || !inside;
+  return inside;
 }
 
 }  // namespace headunit

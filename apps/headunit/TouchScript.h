@@ -18,7 +18,8 @@ struct TouchScript {
 /// X,Y,EVERY_MS; nothing if it is not that.
 std::optional<TouchScript> parseTouchScript(const std::string& text);
 
-/// Plays the script: down at the beginning of each period, up in its middle.
+/// Plays the script: down at the beginning of each period, up in its middle. A place that the picture does
+/// not have is not touched, which is logged once.
 class TouchPlayer : public PacedTask {
  public:
   /// `pictureSize`: of the latest picture, empty before the first one; nothing is touched before that.
@@ -28,10 +29,13 @@ class TouchPlayer : public PacedTask {
   TimePoint act(TimePoint now) override;
 
  private:
+  bool isInside(Size picture);
+
   const TouchScript script_;
   Controls* const controls_;
   const std::function<Size()> pictureSize_;
   bool down_ = false;
+  bool complained_ = false;
 };
 
 }  // namespace headunit

@@ -1,4 +1,8 @@
 #include <gmock/gmock.h>
+#include <spdlog/sinks/ostream_sink.h>
+#include <spdlog/spdlog.h>
+
+#include <sstream>
 
 #include "ServiceTest.h"
 #include "headunit/Controls.h"
@@ -200,6 +204,28 @@ TEST_F(HeadunitControls, TheNextPhoneHearsNothingOfFingersThatWereMeantForTheLas
   EXPECT_EQ(heard().touch_event().action(), 0);
 }
 
+TEST_F(HeadunitControls, TheNextPhoneHearsNothingOfKeysThatWerePressedForTheLast) {
+  controls.key({KeyAction::Kind::press, 19, 0});
+  sent();
+  controls.attach(&input, &totals);
+  controls.key({KeyAction::Kind::longPress, 19, 0});
+  controls.key({KeyAction::Kind::release, 19, 0});
+  EXPECT_THAT(sent(), IsEmpty());
+  EXPECT_EQ(totals.keys, 1U);
+  controls.key({KeyAction::Kind::press, 19, 0});
+  EXPECT_TRUE(heard().key_event().keys(0).down());
+  controls.key({KeyAction::Kind::release, 19, 0});
+  EXPECT_FALSE(heard().key_event().keys(0).down());
+}
+
+TEST_F(HeadunitControls, AKeyIsReleasedOnce) {
+  controls.key({KeyAction::Kind::press, 19, 0});
+  controls.key({KeyAction::Kind::release, 19, 0});
+  sent();
+  controls.key({KeyAction::Kind::release, 19, 0});
+  EXPECT_THAT(sent(), IsEmpty());
+}
+
 // ---- The scripted finger ----
 
 TEST(HeadunitTouchScript, ReadsPlaceAndPeriod) {
@@ -224,6 +250,51 @@ TEST_F(HeadunitControls, AScriptTapsOnceThereIsAPicture) {
   EXPECT_EQ(heard().touch_event().pointer_data(0).x() * 800 / 1920, 200U);
   player.act(start + milliseconds(50));
   EXPECT_EQ(heard().touch_event().action(), 1);
+}
+
+/// What is logged while it lives.
+struct LoggedLines {
+  std::ostringstream lines;
+  const std::shared_ptr<spdlog::logger> before = spdlog::default_logger();
+
+  LoggedLines() {
+    const auto sink = std::make_shared<spdlog::sinks::ostream_sink_mt>(lines);
+    sink->set_pattern("%v");
+    spdlog::set_default_logger(std::make_shared<spdlog::logger>("test", sink));
+  }
+  ~LoggedLines() { spdlog::set_default_logger(before); }
+};
+
+TEST_F(HeadunitControls, AScriptTapsNothingBesideThePictureAndSaysSoOnce) {
+  const LoggedLines logged;
+  for (const Point beside : {Point{800, 479}, Point{799, 480}, Point{5000, 5000}}) {
+    TouchPlayer player({beside, milliseconds(100)}, &controls, [] { return SMALL; });
+    player.act(TimePoint(std::chrono::seconds(1)));
+    player.act(TimePoint(std::chrono::seconds(2)));
+  }
+  EXPECT_THAT(sent(), IsEmpty());
+  EXPECT_EQ(logged.lines.str(),
+            "Nothing is tapped: 800,479 is no place of a picture of 800x480 pixels; check --touch.\n"
+            "Nothing is tapped: 799,480 is no place of a picture of 800x480 pixels; check --touch.\n"
+            "Nothing is tapped: 5000,5000 is no place of a picture of 800x480 pixels; check --touch.\n");
+}
+
+TEST_F(HeadunitControls, AScriptTapsTheLastPixelAndLooksAtEachPicture) {
+  Size picture = SMALL;
+  const LoggedLines logged;
+  TouchPlayer player({{799, 479}, milliseconds(100)}, &controls, [&picture] { return picture; });
+  const TimePoint start = TimePoint(std::chrono::seconds(1));
+  player.act(start);
+  EXPECT_EQ(heard().touch_event().action(), 0);
+  picture = {640, 480};
+  player.act(start);
+  EXPECT_EQ(heard().touch_event().action(), 1) << "a finger that is down comes up in any case";
+  EXPECT_GT(player.act(start), start);
+  EXPECT_THAT(sent(), IsEmpty());
+  picture = SMALL;
+  player.act(start);
+  EXPECT_EQ(heard().touch_event().action(), 0);
+  EXPECT_THAT(logged.lines.str(), testing::HasSubstr("799,479 is no place of a picture of 640x480 pixels"));
 }
 
 }  // namespace

@@ -33,7 +33,9 @@ int reportingFaults(const Act& act) {
 
 // No thread takes these signals by itself; they are read from a descriptor where there is time for them.
 FileDescriptor signalsToEndBy() {
-  signal(SIGPIPE, SIG_IGN);  // a result's reader that has gone away is told by the write
+  // What cannot be written is told by the write itself.
+  signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);

@@ -102,7 +102,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int* exit
   CLI::App app("Example head unit: shows a phone's projected screen, and is its car.", "vantry-headunit");
   app.footer(
       "Keys beside the picture: Alt with the arrows, Return and Backspace; F7 calls, F8 what can be played,\n"
-      "F9 the radio. All others are the phone's.\n"
+      "F9 the radio. All others that have a key code are the phone's.\n"
       "Exit status: 0 after a clean end, 1 for wrong usage, 2 for a link that failed.");
   addPeer(&app, &options, &texts);
   addCar(&app, &options, &texts);

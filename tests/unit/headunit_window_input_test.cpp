@@ -148,6 +148,25 @@ TEST_F(HeadunitWindowInput, KeysHaveCodesAndModifiers) {
   EXPECT_THAT(sent(), IsEmpty()) << "a key without a code";
 }
 
+TEST_F(HeadunitWindowInput, EveryPlainKeyOfAKeyboardHasACodeOfItsOwn) {
+  std::set<unsigned int> codes;
+  int keys = 0;
+  const auto note = [&](SDL_Keycode code) {
+    if (code == SDLK_F7 || code == SDLK_F8 || code == SDLK_F9) return;  // the strip's
+    const std::optional<unsigned int> found = keyCodeOf(code);
+    EXPECT_TRUE(found) << SDL_GetKeyName(code);
+    codes.insert(found.value_or(0));
+    ++keys;
+  };
+  for (const char character : std::string("abcdefghijklmnopqrstuvwxyz0123456789 `-=[]\\;'/,.@+"))
+    note(character);
+  for (SDL_Keycode code = SDLK_F1; code <= SDLK_F12; ++code) note(code);
+  for (const SDL_Keycode code : {SDLK_HOME, SDLK_END, SDLK_PAGEUP, SDLK_PAGEDOWN, SDLK_INSERT, SDLK_DELETE,
+                                 SDLK_TAB, SDLK_RETURN, SDLK_BACKSPACE, SDLK_ESCAPE})
+    note(code);
+  EXPECT_EQ(static_cast<int>(codes.size()), keys);
+}
+
 TEST_F(HeadunitWindowInput, AKeyThatIsHeldBecomesALongPress) {
   key(true, SDLK_RETURN);
   heard();

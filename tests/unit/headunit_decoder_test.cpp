@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "headunit/media/FfmpegDecoder.h"
+#include "phone/media/H264Encoder.h"
 #include "phone/media/TestPicture.h"
 #include "phone/media/VideoSource.h"
 
@@ -99,13 +100,17 @@ TEST_F(HeadunitDecoder, MakesNoPicturesThatAreFarTooLarge) {
   phone::VideoOptions huge;
   huge.width = 4096;
   huge.height = 2320;
-  huge.frames = 1;
   std::string error;
-  const auto other = phone::makeTestPicture(huge, &error);
-  ASSERT_TRUE(other) << error;
-  decoder.configure({other->codecConfig()});
+  const auto encoder = phone::H264Encoder::create(huge, &error);
+  ASSERT_TRUE(encoder) << error;
+  decoder.configure({encoder->codecConfig()});
+  const phone::FramePtr frame = phone::makeYuvFrame(huge.width, huge.height);
+  for (int plane = 0; plane < 3; ++plane) {
+    const int rows = plane == 0 ? huge.height : huge.height / 2;
+    std::memset(frame->data[plane], 0x80, static_cast<std::size_t>(frame->linesize[plane] * rows));
+  }
   phone::AccessUnit unit;
-  ASSERT_TRUE(other->next(&unit));
+  ASSERT_TRUE(encoder->encode(frame.get(), &unit));
   EXPECT_NE(decode(unit.data), "");
   EXPECT_TRUE(pictures.empty());
 }

@@ -69,8 +69,8 @@ int waitFor(int descriptor, short events, Micros limit, Wake* wake) {
   pollfd polled[2] = {{descriptor, events, 0}, {wake->descriptor(), POLLIN, 0}};
   const Micros end = limit < 0 ? 0 : steadyNow() + limit;
   for (;;) {
-    const Micros left = limit < 0 ? -1000 : std::max<Micros>(0, end - steadyNow());
-    const int ready = ::poll(polled, 2, static_cast<int>((left + 999) / 1000));
+    const Micros left = std::max<Micros>(0, end - steadyNow());
+    const int ready = ::poll(polled, 2, limit < 0 ? -1 : static_cast<int>((left + 999) / 1000));
     if (ready < 0 && errno == EINTR) continue;
     if (polled[1].revents != 0) return -1;
     return ready > 0 ? 1 : 0;

@@ -131,15 +131,14 @@ bool openOutput(const Options& options, Output* output, std::string* error) {
   return false;
 }
 
-int report(const Options& options, const PhoneSession& session, Output* output) {
-  const LinkEnd end = session.outcome();
+// `session` is null if no link came about.
+int report(const Options& options, const PhoneSession* session, const LinkEnd& end, Output* output) {
   const int status = end.clean ? exitClean : exitLink;
-  if (end.clean) {
-    spdlog::info("the link has ended: {}", end.words());
-  } else {
-    spdlog::error("the link has failed: {}", end.words());
-  }
-  if (!options.stats.empty()) output->stats << statsJson(session, status) << std::flush;
+  const char* how = session == nullptr ? "there was no link"
+                    : end.clean        ? "the link has ended"
+                                       : "the link has failed";
+  spdlog::log(end.clean ? spdlog::level::info : spdlog::level::err, "{}: {}", how, end.words());
+  if (!options.stats.empty()) output->stats << statsJson(session, end, status) << std::flush;
   if (output->stats && output->journal.isWhole()) return status;
   spdlog::error("cannot write {}; free some room or name another file",
                 output->stats ? options.record : options.stats);
@@ -152,14 +151,8 @@ int runLink(const Options& options, Credentials credentials, std::unique_ptr<Vid
   catchSignals(&wake);
   std::string error;
   Socket socket = reachHeadUnit(options, &wake, &error);
-  if (!error.empty()) {
-    spdlog::error("{}", error);
-    return exitLink;
-  }
-  if (!socket) {
-    spdlog::info("interrupted before there was a link");
-    return exitClean;
-  }
+  if (!error.empty()) return report(options, nullptr, {false, Side::medium, error, ""}, output);
+  if (!socket) return report(options, nullptr, {true, Side::phone, "was interrupted", ""}, output);
 
   Timers timers(steadyNow);
   PhoneLink link(linkOptions(std::move(credentials)));
@@ -176,7 +169,7 @@ int runLink(const Options& options, Credentials credentials, std::unique_ptr<Vid
   output->journal.start(&timers);
   session.start();
   runner.run(std::move(socket));
-  return report(options, session, output);
+  return report(options, &session, session.outcome(), output);
 }
 
 int run(Options options) {

@@ -83,26 +83,25 @@ Json touchFigures(const TouchStats& stats) {
           {"latency_p99_ms", milliseconds(percentile(stats.latencies, 99))}};
 }
 
-void addCarFigures(const CarServices& car, Json* figures) {
-  const auto orNull = [](const auto* service, auto figuresOf) {
-    return service != nullptr ? figuresOf(*service) : Json(nullptr);
-  };
-  (*figures)["microphone"] = orNull(car.microphone(), microphoneFigures);
-  (*figures)["sensors"] = orNull(car.sensors(), sensorFigures);
-  (*figures)["input"] = orNull(car.input(), inputFigures);
-  (*figures)["touches"] = touchFigures(car.touches().stats());
+// Null where there is none of `part`.
+template <class Part>
+Json orNull(const Part* part, Json (*figuresOf)(const Part&)) {
+  return part != nullptr ? figuresOf(*part) : Json(nullptr);
 }
 
 }  // namespace
 
-std::string statsJson(const PhoneSession& session, int exitStatus) {
-  const LinkEnd end = session.outcome();
+std::string statsJson(const PhoneSession* session, const LinkEnd& end, int exitStatus) {
+  const CarServices* car = session != nullptr ? &session->car() : nullptr;
   Json figures;
-  figures["handshake_ms"] = milliseconds(session.handshakeTime());
-  figures["video"] = session.video() != nullptr ? videoFigures(*session.video()) : Json(nullptr);
-  figures["audio"] = soundFigures(session.sounds());
-  addCarFigures(session.car(), &figures);
-  figures["troubles"] = session.troubles().size();
+  figures["handshake_ms"] = milliseconds(session != nullptr ? session->handshakeTime() : std::nullopt);
+  figures["video"] = orNull(session != nullptr ? session->video() : nullptr, videoFigures);
+  figures["audio"] = session != nullptr ? soundFigures(session->sounds()) : Json::object();
+  figures["microphone"] = orNull(car != nullptr ? car->microphone() : nullptr, microphoneFigures);
+  figures["sensors"] = orNull(car != nullptr ? car->sensors() : nullptr, sensorFigures);
+  figures["input"] = orNull(car != nullptr ? car->input() : nullptr, inputFigures);
+  figures["touches"] = touchFigures(car != nullptr ? car->touches().stats() : TouchStats());
+  figures["troubles"] = session != nullptr ? session->troubles().size() : 0;
   figures["end"] = {{"clean", end.clean}, {"words", end.words()}, {"exit_status", exitStatus}};
   // Texts of the peer's making may hold anything; they must not make the file unwritable.
   return figures.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

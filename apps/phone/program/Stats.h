@@ -7,8 +7,9 @@
 
 namespace phone {
 
-/// The figures of one link as JSON text. Times are in milliseconds; what never happened is null.
-std::string statsJson(const PhoneSession& session, int exitStatus);
+/// The figures of one link as JSON text. Times are in milliseconds; what never happened is null. `session` is
+/// null if no link came about, and `end` tells how it ended, or why there was none.
+std::string statsJson(const PhoneSession* session, const LinkEnd& end, int exitStatus);
 
 }  // namespace phone
 

@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# usage: phone_ends.sh SOURCE_DIR BUILD_DIR
+# However the phone simulator comes to its end, it leaves behind what it was asked for.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+source=$1 phone=$2/apps/phone/vantry-phone
+"$source/scripts/make-credentials" "$tmp/credentials"
+
+# Runs the phone with the arguments, interrupts it once it listens, and sets `status`.
+interrupt() {
+  local line
+  exec {output}< <(exec "$phone" "$@" --listen 127.0.0.1:0 --credentials "$tmp/credentials" 2>"$tmp/log")
+  pid=$!
+  read -r -t 20 line <&"$output" || fail "the phone does not listen: $(cat "$tmp/log")"
+  kill -s "$signal" "$pid"
+  cat <&"$output" >"$tmp/out"
+  status=0
+  wait "$pid" || status=$?
+}
+
+status=0
+# Nobody listens on port 1.
+"$phone" --connect 127.0.0.1:1 --credentials "$tmp/credentials" --stats "$tmp/refused.json" 2>"$tmp/log" || status=$?
+((status == 2)) || fail "status $status without a head unit: $(cat "$tmp/log")"
+grep -q '"exit_status": 2' "$tmp/refused.json" || fail "no statistics without a head unit"
+
+for signal in INT TERM; do
+  interrupt --stats "$tmp/$signal.json"
+  ((status == 0)) || fail "status $status after SIG$signal: $(cat "$tmp/log")"
+  grep -q '"clean": true' "$tmp/$signal.json" || fail "no statistics after SIG$signal"
+done

@@ -97,7 +97,8 @@ int verifyAgainst(const VerifyOptions& options, const Credentials& credentials,
       options.connect.empty() ? "the head unit on " + options.listen : "the head unit at " + options.connect;
   if (!write(options.junit, junitXml(run, title))) return complain("cannot write " + options.junit);
   if (!write(options.html, htmlPage(run, title))) return complain("cannot write " + options.html);
-  return run.count(verify::Outcome::failed) == 0 ? exitPassed : exitFailed;
+  const bool passed = run.brokenOff.empty() && run.count(verify::Outcome::failed) == 0;
+  return passed ? exitPassed : exitFailed;
 }
 
 }  // namespace

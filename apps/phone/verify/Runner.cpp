@@ -11,6 +11,11 @@ namespace {
 
 constexpr int patienceWithDeadLinks = 3;
 
+bool lacksLink(const Result& result) {
+  return result.outcome == Outcome::failed &&
+         (result.expected == "a link that comes up" || result.expected == "a way to the head unit");
+}
+
 Result runOne(const Check& check, Probe& probe, bool keepLink) {
   Result result;
   result.name = check.name;
@@ -52,16 +57,14 @@ Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& crede
   bool keepLink = true;
   int dead = 0;
   for (const Check& check : checks) {
-    Result result;
-    if (dead < patienceWithDeadLinks) {
-      result = runOne(check, probe, keepLink);
-    } else {
-      result = {check.name, check.meaning, Outcome::skipped, "a link that comes up", "", 0};
-    }
+    Result result = run.brokenOff.empty()
+                        ? runOne(check, probe, keepLink)
+                        : Result{check.name, check.meaning, Outcome::notRun, run.brokenOff, "", 0};
     keepLink = result.outcome != Outcome::failed;
-    const bool noLink = result.outcome == Outcome::failed && (result.expected == "a link that comes up" ||
-                                                              result.expected == "a way to the head unit");
-    dead = noLink ? dead + 1 : dead >= patienceWithDeadLinks ? dead : 0;
+    dead = lacksLink(result) ? dead + 1 : 0;
+    if (dead == patienceWithDeadLinks) {
+      run.brokenOff = "no link came up " + std::to_string(dead) + " times in a row, last: " + result.came;
+    }
     if (onResult) onResult(result);
     run.results.push_back(std::move(result));
   }

@@ -8,19 +8,25 @@
 
 namespace phone::verify {
 
-enum class Outcome { passed, failed, skipped };
+enum class Outcome {
+  passed,
+  failed,
+  skipped,  ///< The head unit does not offer what the check is about.
+  notRun    ///< Nobody knows: the run was broken off before, or while it ran.
+};
 
 struct Result {
   std::string name;
   std::string meaning;
   Outcome outcome = Outcome::passed;
-  std::string expected;  ///< If failed; if skipped, what is not offered.
+  std::string expected;  ///< If failed; if skipped, what is not offered; if not run, why.
   std::string came;
   Micros took = 0;
 };
 
 struct Run {
   std::vector<Result> results;
+  std::string brokenOff;  ///< Why it was; empty if it came to its end.
   std::size_t count(Outcome outcome) const;
   const Result* find(const std::string& name) const;
 };
@@ -28,8 +34,8 @@ struct Run {
 /// Called after each check.
 using OnResult = std::function<void(const Result&)>;
 
-/// Runs the checks one after the other. Once no link comes up several times in a row, those that need one are
-/// skipped, so that a dead head unit does not cost a deadline each.
+/// Runs the checks one after the other. The run is broken off once no link
+/// comes up several times in a row, so that a dead head unit does not cost a deadline a check.
 Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials,
               const OnResult& onResult = {});
 

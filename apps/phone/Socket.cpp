@@ -192,9 +192,11 @@ Endpoint localEndpoint(const Socket& socket) {
   return {host, static_cast<std::uint16_t>(std::stoul(service))};
 }
 
-Socket acceptOne(const Socket& listener, Wake* wake, std::string* error) {
+Socket acceptOne(const Socket& listener, Wake* wake, std::string* error, Micros limit) {
   for (;;) {
-    if (waitFor(listener.descriptor(), POLLIN, -1, wake) < 0) return Socket();
+    const int ready = waitFor(listener.descriptor(), POLLIN, limit, wake);
+    if (ready == 0) *error = "no head unit has connected within " + std::to_string(limit / 1'000'000) + " s";
+    if (ready <= 0) return Socket();
     Socket socket(::accept4(listener.descriptor(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
     if (socket) {
       setOption(socket, IPPROTO_TCP, TCP_NODELAY);

@@ -58,9 +58,9 @@ Socket connectTo(const Endpoint& endpoint, Micros limit, Wake* wake, std::string
 Socket listenOn(const Endpoint& endpoint, std::string* error);
 /// Where a listening socket really listens.
 Endpoint localEndpoint(const Socket& socket);
-/// Waits for one peer, without a limit. An invalid socket when `wake` was raised, or on failure with `error`
-/// set.
-Socket acceptOne(const Socket& listener, Wake* wake, std::string* error);
+/// Waits for one peer, without a `limit` if that is negative. An invalid socket when `wake` was raised, or on
+/// failure with `error` set.
+Socket acceptOne(const Socket& listener, Wake* wake, std::string* error, Micros limit = -1);
 
 }  // namespace phone
 

@@ -2,7 +2,6 @@
 #include <spdlog/sinks/stdout_color_sinks.h>
 #include <spdlog/spdlog.h>
 
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <fstream>
@@ -13,6 +12,7 @@
 #include "phone/program/Console.h"
 #include "phone/program/Options.h"
 #include "phone/program/ScenarioCommand.h"
+#include "phone/program/Signals.h"
 #include "phone/program/Sound.h"
 #include "phone/program/Stats.h"
 #include "phone/program/VerifyCommand.h"
@@ -25,20 +25,6 @@ constexpr int exitClean = 0;
 constexpr int exitUsage = 1;
 constexpr int exitLink = 2;
 constexpr Micros connectLimit = 3'500'000;
-
-Wake* interruptWake = nullptr;
-
-extern "C" void onSignal(int) { interruptWake->raise(); }
-
-void catchSignals(Wake* wake) {
-  interruptWake = wake;
-  struct sigaction action {};
-  action.sa_handler = onSignal;
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
-  // Whoever reads the log may go away; that is no reason to leave without good-bye.
-  std::signal(SIGPIPE, SIG_IGN);
-}
 
 void setUpLog(bool verbose) {
   spdlog::set_default_logger(spdlog::stderr_color_mt("phone"));
@@ -147,10 +133,9 @@ int report(const Options& options, const PhoneSession* session, const LinkEnd& e
 
 int runLink(const Options& options, Credentials credentials, std::unique_ptr<VideoSource> video,
             std::vector<Song> songs, Output* output) {
-  Wake wake;
-  catchSignals(&wake);
+  Wake* const wake = wakeOnSignals();
   std::string error;
-  Socket socket = reachHeadUnit(options, &wake, &error);
+  Socket socket = reachHeadUnit(options, wake, &error);
   if (!error.empty()) return report(options, nullptr, {false, Side::medium, error, ""}, output);
   if (!socket) return report(options, nullptr, {true, Side::phone, "was interrupted", ""}, output);
 
@@ -163,7 +148,7 @@ int runLink(const Options& options, Credentials credentials, std::unique_ptr<Vid
   const auto drive = [&session] { return session.pictureTime(); };
   ServicePlayers services(&link, &timers, std::move(songs),
                           options.video.empty() ? RouteClock(drive) : nullptr);
-  SocketRunner runner(&link, &timers, &wake);
+  SocketRunner runner(&link, &timers, wake);
   runner.onWake([&session] { session.interrupt(); });
   console.watch(&session);
   output->journal.start(&timers);

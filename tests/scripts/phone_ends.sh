@@ -23,8 +23,17 @@ status=0
 ((status == 2)) || fail "status $status without a head unit: $(cat "$tmp/log")"
 grep -q '"exit_status": 2' "$tmp/refused.json" || fail "no statistics without a head unit"
 
-for signal in INT TERM; do
+for signal in INT TERM HUP; do
   interrupt --stats "$tmp/$signal.json"
   ((status == 0)) || fail "status $status after SIG$signal: $(cat "$tmp/log")"
   grep -q '"clean": true' "$tmp/$signal.json" || fail "no statistics after SIG$signal"
+done
+
+# A conformance run says what it has come to, however soon it is told to end.
+for signal in INT TERM HUP; do
+  interrupt verify --junit "$tmp/$signal.xml" --html "$tmp/$signal.html"
+  ((status == 2)) || fail "status $status of a conformance run after SIG$signal: $(cat "$tmp/log")"
+  grep -q 'The run was broken off: interrupted' "$tmp/out" || fail "no last word after SIG$signal: $(cat "$tmp/out")"
+  grep -q 'not run: interrupted' "$tmp/$signal.xml" || fail "no JUnit XML after SIG$signal"
+  grep -q 'not run' "$tmp/$signal.html" || fail "no page after SIG$signal"
 done

@@ -33,6 +33,26 @@ struct LeavingHeadUnit : phone::verify::HeadUnit {
   int links = 0;
 };
 
+/// Its user wants to end as soon as a link is there.
+struct InterruptedHeadUnit : MemoryHeadUnit {
+  std::unique_ptr<phone::verify::LinkUnderTest> connect(phone::LinkOptions options,
+                                                        std::string* error) override {
+    last = MemoryHeadUnit::connect(std::move(options), error);
+    return std::make_unique<Borrowed>(last.get());
+  }
+  bool interrupted() const override { return last && last->link().state() == phone::LinkState::up; }
+
+  struct Borrowed : phone::verify::LinkUnderTest {
+    explicit Borrowed(LinkUnderTest* lender) : lent(lender) {}
+    phone::PhoneLink& link() override { return lent->link(); }
+    bool runUntil(const std::function<bool()>& done, phone::Micros limit) override {
+      return lent->runUntil(done, limit);
+    }
+    LinkUnderTest* lent;
+  };
+  std::unique_ptr<phone::verify::LinkUnderTest> last;
+};
+
 void needsLink(Probe& probe) { probe.link(); }
 void endsLink(Probe& probe) {
   probe.link();
@@ -86,6 +106,14 @@ TEST(VerifyRunner, ReportsWhatWasNotRunAsThat) {
                                         HasSubstr("failures=\"3\" errors=\"0\" skipped=\"2\"")));
   EXPECT_THAT(htmlPage(run, "x"), AllOf(HasSubstr("<tr class=\"notrun\"><td class=\"name\">b.toaster"),
                                         HasSubstr("The run was broken off")));
+}
+
+TEST(VerifyRunner, AnInterruptionBreaksTheRunOffWithAGoodBye) {
+  InterruptedHeadUnit headUnit;
+  const Conformance run = runFive(&headUnit);
+  EXPECT_EQ(run.count(Outcome::notRun), 5U);
+  EXPECT_EQ(run.brokenOff, "interrupted");
+  EXPECT_THAT(headUnit.last->link().end()->words(), HasSubstr("said good-bye, and was answered"));
 }
 
 }  // namespace

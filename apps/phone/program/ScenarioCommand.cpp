@@ -1,11 +1,11 @@
 #include "phone/program/ScenarioCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
 
+#include "phone/program/Signals.h"
 #include "phone/scenario/Scenario.h"
 #include "phone/verify/SocketHeadUnit.h"
 
@@ -40,7 +40,9 @@ void describe(CLI::App* app, ScenarioOptions* options) {
   app->add_option("--credentials", options->credentials, "folder of root.pem, phone.pem and phone.key")
       ->type_name("DIR")
       ->capture_default_str();
-  app->footer("Exit status: 0 if all went as written, 1 for wrong usage, 3 if an expectation failed.");
+  app->footer(
+      "Exit status: 0 if all went as written, 1 for wrong usage, 3 if an expectation failed or the "
+      "scenario was interrupted.");
 }
 
 int complain(const std::string& what) {
@@ -71,8 +73,7 @@ std::optional<scenario::Scenario> find(const std::string& name, std::string* err
 }
 
 int play(const ScenarioOptions& options, const scenario::Scenario& wanted, const Credentials& credentials) {
-  Wake wake;
-  verify::SocketHeadUnit headUnit(*parseEndpoint(options.connect), &wake);
+  verify::SocketHeadUnit headUnit(*parseEndpoint(options.connect), wakeOnSignals());
   const auto verdict = scenario::play(wanted, &headUnit, credentials, [](const scenario::Step& step) {
     std::printf("%s\n", step.name.c_str());
     std::fflush(stdout);
@@ -104,7 +105,6 @@ int runScenario(int argc, char** argv) {
   }
   if (options.list) return list();
   if (options.connect.empty()) return complain("--connect tells where the head unit is");
-  std::signal(SIGPIPE, SIG_IGN);
   std::string error;
   const auto wanted = find(options.scenario, &error);
   const auto credentials = wanted ? loadCredentials(options.credentials, &error) : std::nullopt;

@@ -7,7 +7,8 @@ namespace phone {
 bool asksForScenario(int argc, char** argv);
 
 /// Plays a scenario against a head unit, or lists those that come with the program. Returns the exit status:
-/// 0 if it went as written, 1 for wrong usage, 3 if an expectation failed.
+/// 0 if it went as written, 1 for wrong usage, 3 if an expectation failed or the
+/// scenario was interrupted.
 int runScenario(int argc, char** argv);
 
 }  // namespace phone

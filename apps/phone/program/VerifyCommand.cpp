@@ -3,10 +3,10 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <cstdio>
 #include <fstream>
 
+#include "phone/program/Signals.h"
 #include "phone/verify/Report.h"
 #include "phone/verify/SocketHeadUnit.h"
 
@@ -49,7 +49,9 @@ void describe(CLI::App* app, VerifyOptions* options) {
   app->add_option("--only", options->only, "only checks whose names begin so")->type_name("PREFIX");
   app->add_option("--junit", options->junit, "write the results as JUnit XML")->type_name("FILE.xml");
   app->add_option("--html", options->html, "write the results as one page")->type_name("FILE.html");
-  app->footer("Exit status: 0 if no check failed, 1 for wrong usage, 2 if a check failed.");
+  app->footer(
+      "Exit status: 0 if no check failed, 1 for wrong usage, 2 if a check failed or the "
+      "run was broken off.");
 }
 
 int complain(const std::string& what) {
@@ -81,9 +83,8 @@ std::unique_ptr<verify::SocketHeadUnit> reach(const VerifyOptions& options, Wake
 
 int verifyAgainst(const VerifyOptions& options, const Credentials& credentials,
                   const verify::Checks& checks) {
-  Wake wake;
   std::string error;
-  const auto headUnit = reach(options, &wake, &error);
+  const auto headUnit = reach(options, wakeOnSignals(), &error);
   if (!headUnit)
     return complain("cannot listen on " + options.listen + ": " + error + "; choose another address");
   const bool coloured = isatty(STDOUT_FILENO) != 0;
@@ -113,7 +114,6 @@ int runVerify(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? exitPassed : exitUsage;
   }
-  std::signal(SIGPIPE, SIG_IGN);
   const verify::Checks checks = choose(verify::allChecks(), options.only);
   if (checks.empty()) return complain("no check has a name that begins so; --list tells them all");
   if (options.list) return list(checks), exitPassed;

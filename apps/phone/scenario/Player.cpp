@@ -100,6 +100,8 @@ Verdict play(const Scenario& scenario, verify::HeadUnit* headUnit, const Credent
     return {false, at, "expected " + mismatch.expected + "; came " + mismatch.came};
   } catch (const verify::NotOffered& missing) {
     return {false, at, "the head unit does not offer " + missing.what};
+  } catch (const verify::Interrupted&) {
+    return {false, at, "interrupted"};
   }
   return {};
 }

@@ -12,7 +12,7 @@ class Probe;
 struct Check {
   const char* name;     ///< "group.behaviour"
   const char* meaning;  ///< One sentence.
-  void (*run)(Probe&);  ///< Returns if the head unit behaves so; otherwise throws one of the two below.
+  void (*run)(Probe&);  ///< Returns if the head unit behaves so; otherwise throws one of those below.
 };
 
 /// The head unit behaves otherwise.
@@ -25,6 +25,9 @@ struct Mismatch {
 struct NotOffered {
   std::string what;
 };
+
+/// The user wants to end.
+struct Interrupted {};
 
 using Checks = std::vector<Check>;
 

@@ -16,7 +16,7 @@ class LinkUnderTest {
   virtual ~LinkUnderTest() = default;
   virtual PhoneLink& link() = 0;
   /// Lets bytes travel both ways until `done`, or until `limit` is over; a medium on which nothing can happen
-  /// any more need not wait for that. True if `done` came.
+  /// any more need not wait for that, and an interruption ends the wait. True if `done` came.
   virtual bool runUntil(const std::function<bool()>& done, Micros limit) = 0;
 };
 
@@ -26,6 +26,8 @@ class HeadUnit {
   virtual ~HeadUnit() = default;
   /// A link on which nothing has been said yet. Null, with `error` telling why, if there is no way to one.
   virtual std::unique_ptr<LinkUnderTest> connect(LinkOptions options, std::string* error) = 0;
+  /// Whether the user wants to end. From then on a wait may end before its time.
+  virtual bool interrupted() const { return false; }
 };
 
 }  // namespace phone::verify

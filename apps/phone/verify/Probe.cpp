@@ -78,6 +78,7 @@ PhoneLink& Probe::freshLink(LinkOptions options) {
   endLink();
   std::string error;
   auto made = headUnit_->connect(std::move(options), &error);
+  if (!made && headUnit_->interrupted()) throw Interrupted();
   if (!made) throw Mismatch{"a way to the head unit", error};
   give(std::move(made));
   return link_->link();
@@ -96,7 +97,11 @@ bool Probe::isUp() const { return link_ && link_->link().state() == LinkState::u
 
 PhoneLink& Probe::link() { return isUp() ? link_->link() : freshUpLink(); }
 
-bool Probe::runUntil(const std::function<bool()>& done, Micros limit) { return link_->runUntil(done, limit); }
+bool Probe::runUntil(const std::function<bool()>& done, Micros limit) {
+  const bool came = link_->runUntil(done, limit);
+  if (headUnit_->interrupted()) throw Interrupted();
+  return came;
+}
 
 void Probe::settle() {
   if (isUp()) {

@@ -37,6 +37,7 @@ class Probe {
   PhoneLink& freshUpLink();
   /// A link that is up: the last one if it still is, otherwise a new one.
   PhoneLink& link();
+  /// Throws Interrupted once the user wants to end.
   bool runUntil(const std::function<bool()>& done, Micros limit = patience);
   /// How the last link ended; empty if it has not.
   std::optional<LinkEnd> end() const { return link_ ? link_->link().end() : std::nullopt; }

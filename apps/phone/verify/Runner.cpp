@@ -31,6 +31,9 @@ Result runOne(const Check& check, Probe& probe, bool keepLink) {
   } catch (const NotOffered& missing) {
     result.outcome = Outcome::skipped;
     result.expected = missing.what;
+  } catch (const Interrupted&) {
+    result.outcome = Outcome::notRun;
+    result.expected = "interrupted";
   }
   result.took = steadyNow() - start;
   return result;
@@ -64,6 +67,8 @@ Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& crede
     dead = lacksLink(result) ? dead + 1 : 0;
     if (dead == patienceWithDeadLinks) {
       run.brokenOff = "no link came up " + std::to_string(dead) + " times in a row, last: " + result.came;
+    } else if (result.outcome == Outcome::notRun) {
+      run.brokenOff = result.expected;
     }
     if (onResult) onResult(result);
     run.results.push_back(std::move(result));

@@ -34,7 +34,7 @@ struct Run {
 /// Called after each check.
 using OnResult = std::function<void(const Result&)>;
 
-/// Runs the checks one after the other. The run is broken off once no link
+/// Runs the checks one after the other. The run is broken off when the user wants to end, and once no link
 /// comes up several times in a row, so that a dead head unit does not cost a deadline a check.
 Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials,
               const OnResult& onResult = {});

@@ -20,7 +20,9 @@ bool wouldBlock() { return errno == EAGAIN || errno == EWOULDBLOCK || errno == E
 
 class SocketLink : public LinkUnderTest {
  public:
-  SocketLink(LinkOptions options, Socket socket) : link_(std::move(options)), socket_(std::move(socket)) {
+  /// A raised `wake` ends a wait, and sets `interrupted`. Both outlive the link.
+  SocketLink(LinkOptions options, Socket socket, Wake* wake, bool* interrupted)
+      : link_(std::move(options)), socket_(std::move(socket)), wake_(wake), interrupted_(interrupted) {
     fcntl(socket_.descriptor(), F_SETFL, fcntl(socket_.descriptor(), F_GETFL) | O_NONBLOCK);
   }
 
@@ -32,17 +34,23 @@ class SocketLink : public LinkUnderTest {
       writeSome();
       if (done()) return true;
       const Micros left = end - steadyNow();
-      if (left <= 0 || closed_) return false;
-      waitFor(left);
+      if (left <= 0 || closed_ || !waitFor(left)) return false;
     }
   }
 
  private:
-  void waitFor(Micros left) {
-    pollfd polled{socket_.descriptor(), POLLIN, 0};
-    if (sent_ < sending_.size() || link_.hasOutput()) polled.events |= POLLOUT;
-    if (::poll(&polled, 1, static_cast<int>(left / 1000 + 1)) > 0 && (polled.revents & ~POLLOUT) != 0)
-      readSome();
+  // False if the wake was raised.
+  bool waitFor(Micros left) {
+    pollfd polled[2] = {{socket_.descriptor(), POLLIN, 0}, {wake_->descriptor(), POLLIN, 0}};
+    if (sent_ < sending_.size() || link_.hasOutput()) polled[0].events |= POLLOUT;
+    if (::poll(polled, 2, static_cast<int>(left / 1000 + 1)) <= 0) return true;
+    if (polled[1].revents != 0) {
+      wake_->clear();
+      *interrupted_ = true;
+      return false;
+    }
+    if ((polled[0].revents & ~POLLOUT) != 0) readSome();
+    return true;
   }
 
   void readSome() {
@@ -72,6 +80,8 @@ class SocketLink : public LinkUnderTest {
 
   PhoneLink link_;
   Socket socket_;
+  Wake* wake_;
+  bool* interrupted_;
   Bytes sending_;
   std::size_t sent_ = 0;
   bool closed_ = false;
@@ -81,17 +91,17 @@ class SocketLink : public LinkUnderTest {
 
 Socket SocketHeadUnit::reach(std::string* error) {
   if (!listener_) return connectTo(endpoint_, connectLimit, wake_, error);
-  pollfd polled{listener_.descriptor(), POLLIN, 0};
-  if (::poll(&polled, 1, static_cast<int>(connectLimit / 1000)) > 0)
-    return acceptOne(listener_, wake_, error);
-  *error = "no head unit has connected within 4 s";
-  return Socket();
+  return acceptOne(listener_, wake_, error, connectLimit);
 }
 
 std::unique_ptr<LinkUnderTest> SocketHeadUnit::connect(LinkOptions options, std::string* error) {
   Socket socket = reach(error);
-  if (socket) return std::make_unique<SocketLink>(std::move(options), std::move(socket));
-  if (error->empty()) *error = "interrupted";
+  if (socket)
+    return std::make_unique<SocketLink>(std::move(options), std::move(socket), wake_, &interrupted_);
+  if (!error->empty()) return nullptr;
+  wake_->clear();
+  interrupted_ = true;
+  *error = "interrupted";
   return nullptr;
 }
 

@@ -15,6 +15,9 @@ class SocketHeadUnit : public HeadUnit {
   SocketHeadUnit(Socket listener, Wake* wake) : listener_(std::move(listener)), wake_(wake) {}
 
   std::unique_ptr<LinkUnderTest> connect(LinkOptions options, std::string* error) override;
+  /// Whether the wake was raised. It cuts short what is waited for at that time, and no later wait: there is
+  /// a good-bye to be said.
+  bool interrupted() const override { return interrupted_; }
 
  private:
   Socket reach(std::string* error);
@@ -22,6 +25,7 @@ class SocketHeadUnit : public HeadUnit {
   Endpoint endpoint_;
   Socket listener_;
   Wake* wake_;
+  bool interrupted_ = false;
 };
 
 }  // namespace phone::verify

@@ -45,5 +45,27 @@ TEST(ScenarioFile, IsRefusedHoweverDeepItNests) {
   EXPECT_THAT(errorOf(R"({"name": )" + nested(200'000, "[", "]") + "}"), StartsWith("lists and objects"));
 }
 
+TEST(ScenarioFile, IsRefusedWithTheStepThatNamesAServiceWhichDoesNotExist) {
+  EXPECT_THAT(errorOf(R"({"steps": [{"wait_ms": 1}, {"open": "toaster"}]})"),
+              "step 2: there is no service \"toaster\"");
+  EXPECT_THAT(errorOf(R"({"steps": [{"close": ""}]})"), HasSubstr("no service \"\""));
+  EXPECT_THAT(errorOf(R"({"steps": [{"expect": {"on": "Radio", "type": 1}}]})"), HasSubstr("\"Radio\""));
+  EXPECT_THAT(errorOf(R"({"steps": [{"open": -1}]})"), HasSubstr("a kind or an id"));
+  EXPECT_THAT(errorOf(R"({"steps": [{"open": 1.5}]})"), HasSubstr("a kind or an id"));
+}
+
+TEST(ScenarioFile, NamesAServiceByItsKindOrItsId) {
+  for (const char* name :
+       {"\"control\"", "\"video\"", "\"audio\"", "\"microphone\"", "\"sensors\"", "\"input\"",
+        "\"bluetooth\"", "\"radio\"", "\"navigation\"", "\"playback\"", "\"phone\"", "\"browser\"",
+        "\"notifications\"", "\"vendor\"", "\"verification\"", "\"200\"", "7"}) {
+    std::string error;
+    EXPECT_TRUE(phone::scenario::parseScenario(
+                    std::string(R"({"steps": [{"send": {"on": )") + name + R"(, "type": 1}}]})", &error)
+                    .has_value())
+        << error;
+  }
+}
+
 }  // namespace
 }  // namespace test

@@ -1,4 +1,5 @@
 #include "phone/scenario/Scenario.h"
+#include "phone/scenario/Services.h"
 #include "phone/scenario/WireFields.h"
 #include "phone/verify/Probe.h"
 
@@ -9,34 +10,11 @@ namespace {
 using verify::Mismatch;
 using verify::Probe;
 
-constexpr char verificationName[] =
-    "com.corvane.drovia.projection.protocol.VantryVerificationVendorExtension";
-
-bool isOfKind(const Service& service, const std::string& kind) {
-  if (kind == std::to_string(service.id())) return true;
-  if (kind == "video") return service.media_sink_service().video_configs_size() > 0;
-  if (kind == "audio")
-    return service.has_media_sink_service() && service.media_sink_service().video_configs_size() == 0;
-  if (kind == "microphone") return service.has_media_source_service();
-  if (kind == "sensors") return service.has_sensor_source_service();
-  if (kind == "input") return service.has_input_source_service();
-  if (kind == "bluetooth") return service.has_bluetooth_service();
-  if (kind == "radio") return service.has_radio_service();
-  if (kind == "navigation") return service.has_navigation_status_service();
-  if (kind == "playback") return service.has_media_playback_service();
-  if (kind == "phone") return service.has_phone_status_service();
-  if (kind == "browser") return service.has_media_browser_service();
-  if (kind == "notifications") return service.has_generic_notification_service();
-  if (kind == "vendor") return service.has_vendor_extension_service();
-  if (kind == "verification") return service.vendor_extension_service().service_name() == verificationName;
-  return false;
-}
-
 std::uint8_t channelFor(Probe& probe, const std::string& kind) {
   if (kind == "control") return 0;
   const std::string name = "a service \"" + kind + "\"";
   return probe.channelOf(
-      probe.find([&kind](const Service& one) { return isOfKind(one, kind); }, name.c_str()));
+      probe.find([&kind](const Service& one) { return isCalled(one, kind); }, name.c_str()));
 }
 
 void send(Probe& probe, const Step& step) {

@@ -3,6 +3,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "phone/scenario/Services.h"
 #include "phone/scenario/WireFields.h"
 
 namespace phone::scenario {
@@ -47,9 +48,10 @@ Micros millisecondsOf(const json& value, const char* name) {
 }
 
 std::string serviceOf(const json& value) {
-  if (value.is_string()) return value.get<std::string>();
-  if (value.is_number_integer()) return std::to_string(value.get<int>());
-  refuse("a service is a kind or an id");
+  if (!value.is_string() && !value.is_number_unsigned()) refuse("a service is a kind or an id");
+  const std::string name = value.is_string() ? value.get<std::string>() : value.dump();
+  if (!isServiceName(name)) refuse("there is no service \"" + name + "\"");
+  return name;
 }
 
 void allow(const json& object, const std::set<std::string>& names) {

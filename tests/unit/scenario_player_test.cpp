@@ -9,6 +9,8 @@ namespace {
 
 using phone::Micros;
 using phone::scenario::Verdict;
+using testing::EndsWith;
+using testing::HasSubstr;
 
 constexpr Micros interval = 10'000;
 
@@ -80,6 +82,44 @@ TEST(ScenarioPlayer, OneDeadlineHoldsForAStepThatExpectsNothing) {
                                &headUnit);
   EXPECT_TRUE(verdict.kept) << verdict.why;
   EXPECT_EQ(headUnit.waited, 300'000);
+}
+
+TEST(ScenarioPlayer, TellsWhatCameInPlaceOfTheFieldsThatWereExpected) {
+  RepeatingHeadUnit headUnit(pong(-6));
+  const Verdict verdict = play(R"({"steps": [
+    {"expect": {"on": "control", "type": "MESSAGE_PING_RESPONSE", "fields": {"1": 5}, "within_ms": 20}}]})",
+                               &headUnit);
+  EXPECT_THAT(verdict.why,
+              HasSubstr(R"(expected message MESSAGE_PING_RESPONSE (0x000c) with {"1":5} within 20 ms)"));
+  EXPECT_THAT(verdict.why, HasSubstr("MESSAGE_PING_RESPONSE (0x000c) 2 times"));
+  EXPECT_THAT(verdict.why, EndsWith(R"(; of that type with {"1":-6}, {"1":-6})"));
+}
+
+TEST(ScenarioPlayer, TellsWhatCameInPlaceOfTheBytesThatWereExpected) {
+  RepeatingHeadUnit headUnit(pong(6));
+  const Verdict verdict = play(R"({"steps": [
+    {"expect": {"on": "control", "type": "MESSAGE_PING_RESPONSE", "hex": "08 05", "within_ms": 10}}]})",
+                               &headUnit);
+  EXPECT_THAT(verdict.why, HasSubstr("with the bytes 08 05"));
+  EXPECT_THAT(verdict.why, EndsWith("; of that type with the bytes 08 06"));
+}
+
+TEST(ScenarioPlayer, TellsWhatCameThoughNothingWasToCome) {
+  RepeatingHeadUnit headUnit(pong(6));
+  const Verdict verdict = play(R"({"steps": [
+    {"expect_none": {"on": "control", "type": "MESSAGE_PING_RESPONSE", "fields": {"1": 6}}}]})",
+                               &headUnit);
+  EXPECT_EQ(verdict.why,
+            R"(expected no message MESSAGE_PING_RESPONSE (0x000c) with {"1":6}; came one with {"1":6})");
+}
+
+TEST(ScenarioPlayer, KeepsOnlyTheLastOfWhatWasPassedOver) {
+  RepeatingHeadUnit headUnit(pong(6));
+  const Verdict verdict = play(R"({"steps": [
+    {"expect": {"on": "control", "type": "MESSAGE_PING_RESPONSE", "fields": {"1": 5}, "within_ms": 1000}}]})",
+                               &headUnit);
+  EXPECT_THAT(verdict.why, HasSubstr("MESSAGE_PING_RESPONSE (0x000c) 100 times"));
+  EXPECT_THAT(verdict.why, EndsWith(R"(; of that type with {"1":6}, {"1":6}, {"1":6}, {"1":6}, {"1":6})"));
 }
 
 TEST(ScenarioPlayer, TakesEachMessageOnce) {

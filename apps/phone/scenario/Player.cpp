@@ -1,3 +1,5 @@
+#include <deque>
+
 #include "phone/scenario/Scenario.h"
 #include "phone/scenario/Services.h"
 #include "phone/scenario/WireFields.h"
@@ -29,24 +31,49 @@ bool fits(const Message& message, const Step& step) {
   return step.fields.is_null() || hasFields(body, step.fields);
 }
 
-// Messages of the type that do not fit are passed over: a car says many things at once.
-std::optional<Message> awaitFitting(Probe& probe, std::uint8_t channel, const Step& step) {
-  return probe.awaitFitting(
-      channel, step.type, [&step](const Message& message) { return fits(message, step); }, step.within);
+std::string contentOf(const Message& message, const Step& step) {
+  const Bytes body(message.body(), message.body() + message.bodySize());
+  return step.raw || step.fields.is_null() ? "the bytes " + verify::hex(body) : fieldsInWords(body);
+}
+
+// Messages of the type that do not fit are passed over: a car says many things at once. The last few of them
+// are kept in words.
+std::optional<Message> awaitFitting(Probe& probe, std::uint8_t channel, const Step& step,
+                                    std::deque<std::string>* passedOver) {
+  constexpr std::size_t most = 5;
+  const auto look = [&](const Message& message) {
+    if (fits(message, step)) return true;
+    passedOver->push_back(contentOf(message, step));
+    if (passedOver->size() > most) passedOver->pop_front();
+    return false;
+  };
+  return probe.awaitFitting(channel, step.type, look, step.within);
+}
+
+std::string wanted(const Probe& probe, std::uint8_t channel, const Step& step) {
+  const std::string content = step.raw                ? " with the bytes " + verify::hex(*step.raw)
+                              : step.fields.is_null() ? ""
+                                                      : " with " + step.fields.dump();
+  return "message " + probe.typeOn(channel, step.type) + content;
 }
 
 void expect(Probe& probe, const Step& step) {
   const std::uint8_t channel = channelFor(probe, step.service);
-  if (awaitFitting(probe, channel, step)) return;
-  const std::string fields = step.fields.is_null() ? "" : " with " + step.fields.dump();
-  throw Mismatch{
-      "message " + verify::hex(step.type) + fields + " within " + std::to_string(step.within / 1000) + " ms",
-      probe.cameOn(channel)};
+  std::deque<std::string> passedOver;
+  if (awaitFitting(probe, channel, step, &passedOver)) return;
+  std::string came = probe.cameOn(channel);
+  for (const std::string& content : passedOver) {
+    came += (&content == &passedOver.front() ? "; of that type with " : ", ") + content;
+  }
+  throw Mismatch{wanted(probe, channel, step) + " within " + std::to_string(step.within / 1000) + " ms",
+                 came};
 }
 
 void expectNone(Probe& probe, const Step& step) {
-  const auto message = awaitFitting(probe, channelFor(probe, step.service), step);
-  if (message) throw Mismatch{"no message " + verify::hex(step.type), verify::hex(message->bytes)};
+  const std::uint8_t channel = channelFor(probe, step.service);
+  std::deque<std::string> passedOver;
+  const auto message = awaitFitting(probe, channel, step, &passedOver);
+  if (message) throw Mismatch{"no " + wanted(probe, channel, step), "one with " + contentOf(*message, step)};
 }
 
 void run(Probe& probe, const Step& step) {

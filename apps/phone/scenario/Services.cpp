@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <iterator>
 
+#include "phone/verify/TypeNames.h"
+
 namespace phone::scenario {
 
 namespace {
 
-constexpr char verificationName[] =
-    "com.corvane.drovia.projection.protocol.VantryVerificationVendorExtension";
+using verify::verificationName;
 
 struct Kind {
   const char* name;

@@ -1,8 +1,11 @@
 #include "phone/scenario/WireFields.h"
 
+#include <algorithm>
 #include <optional>
 #include <stdexcept>
 #include <vector>
+
+#include "phone/verify/Probe.h"
 
 namespace phone::scenario {
 
@@ -65,6 +68,15 @@ class FieldReader {
 
   /// Empty at the end, and where the record is damaged.
   std::optional<Field> next() {
+    const std::size_t begin = at_;
+    auto field = readField();
+    if (!field) at_ = begin;
+    return field;
+  }
+  bool isAtEnd() const { return at_ == body_.size(); }
+
+ private:
+  std::optional<Field> readField() {
     const auto key = readVarint();
     if (!key) return std::nullopt;
     Field field;
@@ -85,7 +97,6 @@ class FieldReader {
     return field;
   }
 
- private:
   std::optional<std::uint64_t> readVarint() {
     std::uint64_t value = 0;
     for (unsigned int shift = 0; at_ < body_.size() && shift < 64; shift += 7) {
@@ -105,6 +116,17 @@ bool matches(const Field& field, const json& wanted) {
   if (field.type != delimited) return false;
   if (wanted.is_object() && !isHex(wanted)) return hasFields(field.bytes, wanted);
   return field.bytes == delimitedOf(wanted);
+}
+
+bool isPrintable(const Bytes& bytes) {
+  return !bytes.empty() && std::all_of(bytes.begin(), bytes.end(),
+                                       [](std::uint8_t byte) { return byte >= 0x20 && byte < 0x7f; });
+}
+
+nlohmann::ordered_json valueOf(const Field& field) {
+  if (field.type == varint) return static_cast<std::int64_t>(field.value);
+  if (isPrintable(field.bytes)) return std::string(field.bytes.begin(), field.bytes.end());
+  return {{"hex", verify::hex(field.bytes)}};
 }
 
 bool hasField(const std::vector<Field>& fields, std::uint64_t number, const json& wanted) {
@@ -138,6 +160,24 @@ bool hasFields(const Bytes& body, const json& wanted) {
     if (!hasField(fields, numberOf(name), value)) return false;
   }
   return true;
+}
+
+std::string fieldsInWords(const Bytes& body) {
+  constexpr std::size_t most = 300;
+  nlohmann::ordered_json fields = nlohmann::ordered_json::object();
+  FieldReader reader(body);
+  while (auto field = reader.next()) {
+    auto& value = fields[std::to_string(field->number)];
+    if (value.is_null()) {
+      value = valueOf(*field);
+    } else {
+      if (!value.is_array()) value = nlohmann::ordered_json::array({value});
+      value.push_back(valueOf(*field));
+    }
+  }
+  if (!reader.isAtEnd()) return "the bytes " + verify::hex(body);
+  const std::string words = fields.dump();
+  return words.size() <= most ? words : words.substr(0, most) + "...";
 }
 
 Bytes bytesOfHex(const std::string& text) {

@@ -19,6 +19,10 @@ Bytes encodeFields(const nlohmann::json& fields);
 /// values in their order. Fields that are not named do not matter.
 bool hasFields(const Bytes& body, const nlohmann::json& wanted);
 
+/// A record as hasFields() reads it, written as a scenario would. Nothing tells a record inside it from
+/// bytes, so both are bytes here. What is no record is told as bytes, and what is long is cut.
+std::string fieldsInWords(const Bytes& body);
+
 /// "1f 8b", with or without spaces. Throws std::invalid_argument.
 Bytes bytesOfHex(const std::string& text);
 

@@ -4,13 +4,11 @@
 #include <set>
 
 #include "phone/verify/Probe.h"
+#include "phone/verify/TypeNames.h"
 
 namespace phone::verify {
 
 namespace {
-
-constexpr char verificationName[] =
-    "com.corvane.drovia.projection.protocol.VantryVerificationVendorExtension";
 
 std::string serviceWords(const Service& service) { return "service " + std::to_string(service.id()); }
 

@@ -1,7 +1,10 @@
 #include "phone/verify/Probe.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <iterator>
+
+#include "phone/verify/TypeNames.h"
 
 namespace phone::verify {
 
@@ -176,7 +179,7 @@ std::optional<Message> Probe::awaitFitting(std::uint8_t channel, int type,
 
 Message Probe::await(std::uint8_t channel, int type, const std::string& what, Micros limit) {
   auto message = awaitMaybe(channel, type, limit);
-  if (!message) throw Mismatch{what + " (message " + hex(type) + ")", whyNothing(channel)};
+  if (!message) throw Mismatch{what + " (message " + typeOn(channel, type) + ")", whyNothing(channel)};
   return *message;
 }
 
@@ -192,11 +195,33 @@ std::size_t Probe::count(std::uint8_t channel, int type) const {
   return number;
 }
 
+const Service* Probe::serviceOn(std::uint8_t channel) const {
+  for (const auto& [id, its] : channels_) {
+    const auto found = std::find_if(services_.begin(), services_.end(),
+                                    [id = id](const Service& one) { return one.id() == id; });
+    if (its == channel && found != services_.end()) return &*found;
+  }
+  return nullptr;
+}
+
+std::string Probe::typeOn(std::uint8_t channel, int type) const { return typeName(type, serviceOn(channel)); }
+
 std::string Probe::cameOn(std::uint8_t channel) const {
   const auto& all = link_->link().received(channel);
-  std::string words;
+  std::vector<std::pair<int, std::size_t>> counts;
   for (std::size_t i = said(channel); i < all.size(); ++i) {
-    if (!isPing(all[i])) words += (words.empty() ? "" : ", ") + hex(all[i].type());
+    const auto known = std::find_if(counts.begin(), counts.end(),
+                                    [&](const auto& count) { return count.first == all[i].type(); });
+    if (known == counts.end()) {
+      counts.emplace_back(all[i].type(), 1);
+    } else {
+      ++known->second;
+    }
+  }
+  std::string words;
+  for (const auto& [type, count] : counts) {
+    words += (words.empty() ? "" : ", ") + typeOn(channel, type);
+    if (count > 1) words += " " + std::to_string(count) + " times";
   }
   return words.empty() ? "nothing on channel " + std::to_string(channel)
                        : "on channel " + std::to_string(channel) + ": " + words;

@@ -79,6 +79,8 @@ class Probe {
   std::size_t count(std::uint8_t channel, int type) const;
   /// What has come on a channel since the check began, in words.
   std::string cameOn(std::uint8_t channel) const;
+  /// What a message type is called on a channel.
+  std::string typeOn(std::uint8_t channel, int type) const;
 
   // ---- Expectations ----
 
@@ -97,6 +99,7 @@ class Probe {
   void give(std::unique_ptr<LinkUnderTest> link);
   bool isUp() const;
   std::size_t said(std::uint8_t channel) const;
+  const Service* serviceOn(std::uint8_t channel) const;
   std::string whyNothing(std::uint8_t channel) const;
 
   HeadUnit* headUnit_;

@@ -7,10 +7,9 @@ source=$1 phone=$2/apps/phone/vantry-phone
 
 # Runs the phone with the arguments, interrupts it once it listens, and sets `status`.
 interrupt() {
-  local line
   exec {output}< <(exec "$phone" "$@" --listen 127.0.0.1:0 --credentials "$tmp/credentials" 2>"$tmp/log")
   pid=$!
-  read -r -t 20 line <&"$output" || fail "the phone does not listen: $(cat "$tmp/log")"
+  read -r -t 20 _ <&"$output" || fail "the phone does not listen: $(cat "$tmp/log")"
   kill -s "$signal" "$pid"
   cat <&"$output" >"$tmp/out"
   status=0

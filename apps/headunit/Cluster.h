@@ -12,6 +12,8 @@
 
 namespace headunit {
 
+class LinkStats;
+
 /// The next turn, as the phone's navigation tells it.
 struct TurnView {
   bool guiding = false;
@@ -98,6 +100,7 @@ struct PairingView {
 
 /// All that stands beside the picture.
 struct ClusterView {
+  const LinkStats* link = nullptr;  ///< of the link that is up, as its pictures have them; null: none is
   TurnView turn;
   PlayingView media;
   PhoneView phone;
@@ -125,6 +128,12 @@ class Cluster {
   ClusterView view() const {
     const std::lock_guard lock(mutex_);
     return view_;
+  }
+
+  /// Which link is up now.
+  const LinkStats* link() const {
+    const std::lock_guard lock(mutex_);
+    return view_.link;
   }
 
   /// Grows with each change.

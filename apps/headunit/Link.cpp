@@ -125,7 +125,7 @@ void Link::offerCluster() {
   cluster_ = std::make_unique<ClusterServices>(equipment_, receiver_.messageRouter());
   for (ProtocolEndpointBase* const endpoint : cluster_->endpoints()) offer(endpoint);
   players_.add(cluster_->tuner());
-  cluster_->begin();
+  cluster_->begin(stats_.get());
 }
 
 void Link::offerVerification() {
@@ -190,6 +190,7 @@ void Link::stop() {
   } else {
     video_->abandon();
   }
+  if (cluster_) cluster_->gone();
   for (const auto& sound : sounds_) sound->detach();
   receiver_.shutdown();
 }

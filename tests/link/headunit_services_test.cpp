@@ -6,6 +6,7 @@
 #include "QuietHost.h"
 #include "TestCredentials.h"
 #include "VantryReceiver.h"
+#include "headunit/LinkStats.h"
 #include "headunit/media/ImageDecoder.h"
 #include "headunit/services/ClusterServices.h"
 #include "phone/media/MusicLibrary.h"
@@ -35,7 +36,7 @@ class HeadunitServices : public testing::Test {
     transport_ = std::make_unique<test::MemoryTransport>(&receiver_);
     services = std::make_unique<ClusterServices>(equipment_, receiver_.messageRouter());
     for (ProtocolEndpointBase* const endpoint : services->endpoints()) receiver_.registerService(endpoint);
-    services->begin();
+    services->begin(&stats_);
     transport_->start();
     receiver_.start();
     phone::LinkOptions options;
@@ -101,6 +102,7 @@ class HeadunitServices : public testing::Test {
   Micros now_ = 0;
   phone::Timers timers_;
   PairedPhones paired_;
+  LinkStats stats_{Clock::now()};
   Equipment equipment_;
   VantryReceiver receiver_;
   std::unique_ptr<test::MemoryTransport> transport_;

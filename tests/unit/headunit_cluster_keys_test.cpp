@@ -1,3 +1,4 @@
+#include "headunit/LinkStats.h"
 #include "headunit/services/ClusterServices.h"
 #include "headunit/services/ServiceIds.h"
 #include "headunit_services.h"
@@ -17,6 +18,7 @@ struct HeadunitClusterKeys : testing::Test {
   SlowWork slowWork{1};
   PairedPhones paired;
   Equipment equipment;
+  LinkStats stats{Clock::now()};
   std::unique_ptr<ClusterServices> services;
 
   HeadunitClusterKeys() {
@@ -27,7 +29,7 @@ struct HeadunitClusterKeys : testing::Test {
     equipment.pairedPhones = &paired;
     services = std::make_unique<ClusterServices>(equipment, link.router());
     for (ProtocolEndpointBase* const endpoint : services->endpoints()) link.registers(endpoint);
-    services->begin();
+    services->begin(&stats);
     for (int id = BLUETOOTH; id <= ECHO_EXTENSION; ++id) link.opens(id, id);
     forget();
   }
@@ -174,8 +176,21 @@ TEST_F(HeadunitClusterKeys, WhatIsShownStaysUntilTheNextLinkBegins) {
   EXPECT_TRUE(cluster.view().phone.known);
   test::PlainLink next;
   ClusterServices others(equipment, next.router());
-  others.begin();
+  others.begin(&stats);
   EXPECT_FALSE(cluster.view().phone.known);
+}
+
+TEST_F(HeadunitClusterKeys, WhatIsShownIsMarkedOnceThePhoneHasGone) {
+  calls(PhoneStatus_State_IN_CALL);
+  EXPECT_EQ(cluster.link(), &stats);
+  services->end();
+  EXPECT_EQ(cluster.link(), &stats) << "its last pictures may still come";
+  services->gone();
+  EXPECT_EQ(cluster.link(), nullptr);
+  EXPECT_TRUE(cluster.view().phone.known);
+  services->begin(&stats);
+  EXPECT_EQ(cluster.link(), &stats);
+  services->end();
 }
 
 TEST_F(HeadunitClusterKeys, LeavingStopsTheGuidance) {

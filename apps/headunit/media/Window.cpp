@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "headunit/strip/NoPhone.h"
+
 namespace headunit {
 namespace {
 
@@ -30,6 +32,13 @@ bool pushEvent(unsigned int type) {
   SDL_Event event{};
   event.type = type;
   return SDL_PushEvent(&event) == 1;
+}
+
+/// What stands beside no picture, whatever the last phone has left.
+ClusterView nobody(const ClusterView& left) {
+  ClusterView view;
+  view.phone.awaited = left.phone.awaited;
+  return view;
 }
 
 Size firstSize() {
@@ -85,13 +94,19 @@ void Window::run() {
       do handle(event);
       while (SDL_PollEvent(&event) == 1);
     }
-    const TimePoint now = Clock::now();
-    input_.tick(now);
-    takeStrip(now);
-    takePicture();
-    if (redraw_) draw();
+    refresh();
   }
   takePicture();
+}
+
+void Window::refresh() {
+  const TimePoint now = Clock::now();
+  input_.tick(now);
+  takeStrip(now);
+  takePicture();
+  // Asked only now: the picture may belong to a link that the strip does not know yet.
+  if (pictureLink_ != cluster()->link()) forgetPicture();
+  if (redraw_) draw();
 }
 
 void Window::handle(const SDL_Event& event) {
@@ -125,8 +140,17 @@ void Window::takePicture() {
   SDL_UpdateYUVTexture(texture_, nullptr, picture->planes[0].data, picture->planes[0].stride,
                        picture->planes[1].data, picture->planes[1].stride, picture->planes[2].data,
                        picture->planes[2].stride);
+  pictureLink_ = picture->stats.get();
   draw();
   nowShows(std::move(*picture));
+}
+
+void Window::forgetPicture() {
+  if (texture_ == nullptr) return;
+  SDL_DestroyTexture(texture_);
+  texture_ = nullptr;
+  picture_ = {};
+  redraw_ = true;
 }
 
 bool Window::fitTexture(const Picture& picture) {
@@ -149,7 +173,7 @@ void Window::takeStrip(TimePoint now) {
                          place.height == strip_.height;
   if (isCurrent || !fitStripTexture({place.width, place.height})) return;
   const ClusterView view = cluster()->view();
-  StripDrawing drawing = drawStrip(view, strip_, now);
+  StripDrawing drawing = drawStrip(view.link != nullptr ? view : nobody(view), strip_, now);
   SDL_UpdateTexture(stripTexture_, nullptr, drawing.bitmap.pixels.data(),
                     strip_.width * static_cast<int>(sizeof(std::uint32_t)));
   targets_ = std::move(drawing.targets);
@@ -187,12 +211,30 @@ void Window::draw() {
     const SDL_Rect source = rectOf(shown.picture.shown());
     const SDL_Rect target = rectOf(shown.picture.area());
     SDL_RenderCopy(renderer_, texture_, &source, &target);
+  } else {
+    drawNobody(shown.layout.picture);
   }
   if (stripTexture_ != nullptr) {
     const SDL_Rect target = rectOf(shown.layout.strip);
     SDL_RenderCopy(renderer_, stripTexture_, nullptr, &target);
   }
   SDL_RenderPresent(renderer_);
+}
+
+// Seldom enough to draw it anew each time.
+void Window::drawNobody(const Rect& place) {
+  const ClusterView view = cluster()->view();
+  if (view.link != nullptr) return;
+  const Bitmap words = drawNoPhone(view.phone.awaited, {place.width, place.height});
+  if (words.pixels.empty()) return;
+  SDL_Texture* const texture = SDL_CreateTexture(
+      renderer_, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STATIC, words.size.width, words.size.height);
+  if (texture == nullptr) return;
+  SDL_UpdateTexture(texture, nullptr, words.pixels.data(),
+                    words.size.width * static_cast<int>(sizeof(std::uint32_t)));
+  const SDL_Rect target = rectOf(place);
+  SDL_RenderCopy(renderer_, texture, nullptr, &target);
+  SDL_DestroyTexture(texture);
 }
 
 }  // namespace headunit

@@ -19,7 +19,8 @@ struct SDL_Window;
 namespace headunit {
 
 /// Shows the pictures in a window, as large as it is, with their proportions kept, and the strip on their
-/// right, and hears what the user does there. Main thread, unless something else is said.
+/// right, and hears what the user does there. Without a phone it says so; what the last one has left is not
+/// shown any more. Main thread, unless something else is said.
 class Window : public Screen {
  public:
   /// `margins`: what is not shown of each picture. `closed` is called when the user closes the window.
@@ -31,6 +32,8 @@ class Window : public Screen {
   /// Returns false, with the reason in `*error`, if there is no display.
   bool open(std::string* error);
   void run() override;
+  /// Shows what has come till now, without waiting.
+  void refresh();
 
   /// After open: to be called, by any thread and also when the window has gone, when something has come
   /// through the slot, when it has been closed, and when the strip has changed. Cheap if it is called often.
@@ -42,6 +45,8 @@ class Window : public Screen {
   void handle(const SDL_Event& event);
   void measure();
   void takePicture();
+  void forgetPicture();
+  void drawNobody(const Rect& place);
   bool fitTexture(const Picture& picture);
   void takeStrip(TimePoint now);
   bool fitStripTexture(Size size);
@@ -56,6 +61,7 @@ class Window : public Screen {
   SDL_Texture* texture_ = nullptr;
   SDL_Texture* stripTexture_ = nullptr;
   Size picture_;
+  const LinkStats* pictureLink_ = nullptr;  ///< that the picture came by
   Size strip_;
   std::vector<StripTarget> targets_;
   std::optional<std::uint64_t> stripVersion_;  ///< of the cluster that is drawn

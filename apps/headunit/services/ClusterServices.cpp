@@ -43,8 +43,11 @@ std::vector<ProtocolEndpointBase*> ClusterServices::endpoints() {
   return {&pairing_, &radio_, &navigation_, &playback_, &phone_, &browser_, &notifications_, &echo_};
 }
 
-void ClusterServices::begin() {
-  context_.cluster->change([](ClusterView& view) { view = {}; });
+void ClusterServices::begin(const LinkStats* link) {
+  context_.cluster->change([link](ClusterView& view) {
+    view = {};
+    view.link = link;
+  });
   keys_->attach(this);
   attached_ = true;
 }
@@ -52,6 +55,10 @@ void ClusterServices::begin() {
 void ClusterServices::end() {
   if (attached_) keys_->detach();
   attached_ = false;
+}
+
+void ClusterServices::gone() {
+  context_.cluster->change([](ClusterView& view) { view.link = nullptr; });
 }
 
 ServiceTotals ClusterServices::totals() const {

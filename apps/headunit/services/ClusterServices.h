@@ -41,12 +41,15 @@ class ClusterServices : public ClusterKeyListener {
   /// Whose time the link drives.
   PacedTask* tuner() { return radio_.host().tuner(); }
 
-  /// Empties the cluster of what the last phone left there, and takes the keys.
-  void begin();
+  /// Empties the cluster of what the last phone left there, and takes the keys. `link`: by which its pictures
+  /// are known.
+  void begin(const LinkStats* link);
   /// Any thread: the phone is about to be sent away.
   void leave() { navigation_.host().stop(); }
-  /// Gives the keys back; what is shown stays. May be called again.
+  /// Gives the keys back. May be called again.
   void end();
+  /// After the phone's last picture: marks what stands there as left by a phone that has gone.
+  void gone();
 
   ServiceTotals totals() const;
 

@@ -361,6 +361,29 @@ TEST(HeadunitStrip, AnswersTheQuestionByAClick) {
   EXPECT_NEAR(drawing.targets[1].place.height, accept.height, 2);
 }
 
+/// Whether a row of the dialogue, from under a button to its own foot, has words.
+bool hasWordsUnder(const Rect& button, const Bitmap& bitmap) {
+  const Rect dialogue = boundsOf(bitmap, strip::DIALOGUE.rgb);
+  for (int y = button.y + button.height + 2; y < dialogue.y + dialogue.height; ++y) {
+    for (int x = button.x + button.width / 4; x < button.x + button.width * 3 / 4; ++x) {
+      if (at(bitmap, x, y) != opaque(strip::DIALOGUE.rgb)) return true;
+    }
+  }
+  return false;
+}
+
+TEST(HeadunitStrip, NamesTheKeyOfEachAnswerUnderItsButton) {
+  ClusterView view;
+  for (const char* const passkey : {"", "123456"}) {
+    view.pairing = PairingView{"", "", passkey};
+    for (const Size size : BESIDE_WINDOWS) {
+      const StripDrawing drawing = drawStrip(view, size, NOW);
+      for (const StripTarget& button : drawing.targets)
+        EXPECT_TRUE(hasWordsUnder(button.place, drawing.bitmap)) << size.width << passkey << button.place.x;
+    }
+  }
+}
+
 // ---- Any size, any text ----
 
 TEST(HeadunitStrip, FillsAnySizeWithoutAHole) {

@@ -7,6 +7,7 @@ namespace headunit::strip {
 namespace {
 
 constexpr double MARGIN = 12;
+constexpr Type KEYS{11, SOFT_INK};
 
 void drawButton(Brush* brush, const Box& box, const char* words, Colour colour) {
   brush->fill(box, colour, 9);
@@ -50,12 +51,13 @@ void drawPairing(Brush* brush, const Box& strip, const PairingView& pairing, Tar
   brush->fill(strip.inset(-1), SCRIM);
   targets->clear();
   const bool hasPasskey = !pairing.passkey.empty();
-  const double height = hasPasskey ? 236 : 176;
+  const double height = hasPasskey ? 254 : 194;
   Box box{strip.x + MARGIN, strip.middleY() - height / 2, strip.width - 2 * MARGIN, height};
   brush->fill(box, DIALOGUE, 16);
   box = box.inset(16);
   brush->text("Pair this phone?", box.takeTop(24), {17, INK, true}, Align::middle);
   brush->text(pairing.phoneAddress, box.takeTop(20), BODY, Align::middle);
+  Box keys = box.takeBottom(18);
   Box buttons = box.takeBottom(38);
   box.takeBottom(12);
   if (hasPasskey) {
@@ -66,6 +68,8 @@ void drawPairing(Brush* brush, const Box& strip, const PairingView& pairing, Tar
   brush->paragraph(pairing.method, box, {12, SOFT_INK}, 3, Align::middle);
   const Box refuse = buttons.takeLeft((buttons.width - 10) / 2);
   buttons.takeLeft(10);
+  brush->text("Alt+Backspace", keys.takeLeft(refuse.width), KEYS, Align::middle);
+  brush->text("Alt+Return", keys.takeRight(buttons.width), KEYS, Align::middle);
   drawButton(brush, refuse, "Cancel", TRACK);
   drawButton(brush, buttons, "Pair", ACCEPT);
   targets->push_back({refuse, {ClusterKey::back}});

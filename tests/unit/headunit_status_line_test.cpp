@@ -31,5 +31,13 @@ TEST(HeadunitStatusLine, TellsWhereAPhoneIsExpected) {
   EXPECT_GT(differences(drawn("on 127.0.0.1:7412"), here, 0, 37), 0) << "the address is there to its end";
 }
 
+TEST(HeadunitStatusLine, TellsOfThePhoneThatHasLeftTheRestOfTheStrip) {
+  ClusterView view;
+  view.phone.known = true;
+  const Bitmap before = drawStrip(view, {384, 720}, TimePoint()).bitmap;
+  view.phone.awaited = "on 127.0.0.1:7411";
+  EXPECT_EQ(drawStrip(view, {384, 720}, TimePoint()).bitmap.pixels, before.pixels);
+}
+
 }  // namespace
 }  // namespace headunit

@@ -6,8 +6,8 @@ namespace headunit::strip {
 namespace {
 
 std::string wordsOn(const PhoneView& phone) {
-  if (!phone.awaited.empty()) return "NO PHONE YET " + phone.awaited;
-  if (!phone.known) return "NO PHONE YET";
+  // What a phone has left is only drawn where its last picture is, too.
+  if (!phone.known) return phone.awaited.empty() ? "NO PHONE YET" : "NO PHONE YET " + phone.awaited;
   const std::size_t calls = callsIn(phone.calls);
   if (calls == 0) return "PHONE";
   return std::to_string(calls) + (calls == 1 ? " CALL" : " CALLS");

@@ -1,5 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <atomic>
+#include <future>
 
 #include "phone/verify/SocketHeadUnit.h"
 
@@ -32,6 +37,23 @@ TEST_F(VerifySocketHeadUnit, AnInterruptionEndsTheWaitForAHeadUnitThatConnects) 
   wake.raise();
   EXPECT_EQ(headUnit.connect({}, &error), nullptr);
   EXPECT_TRUE(headUnit.interrupted());
+}
+
+TEST_F(VerifySocketHeadUnit, ALinkIsOverOnlyOnceTheHeadUnitHasSeenItsEnd) {
+  phone::verify::SocketHeadUnit headUnit(phone::localEndpoint(listener), &wake);
+  auto link = headUnit.connect({}, &error);
+  ASSERT_TRUE(link) << error;
+  phone::Socket peer = phone::acceptOne(listener, &wake, &error);
+  std::atomic<bool> seen = false;
+  const auto served = std::async(std::launch::async, [&] {
+    pollfd polled{peer.descriptor(), POLLIN, 0};
+    ::poll(&polled, 1, -1);
+    std::uint8_t byte = 0;
+    seen = ::recv(peer.descriptor(), &byte, 1, 0) == 0;
+    peer.close();
+  });
+  link.reset();
+  EXPECT_TRUE(seen);
 }
 
 TEST_F(VerifySocketHeadUnit, AHeadUnitThatIsNotThereIsNoInterruption) {

@@ -14,6 +14,7 @@ namespace phone::verify {
 namespace {
 
 constexpr Micros connectLimit = 4'000'000;
+constexpr Micros farewellLimit = 500'000;
 constexpr std::size_t chunk = std::size_t{64} << 10;
 
 bool wouldBlock() { return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR; }
@@ -25,6 +26,21 @@ class SocketLink : public LinkUnderTest {
       : link_(std::move(options)), socket_(std::move(socket)), wake_(wake), interrupted_(interrupted) {
     fcntl(socket_.descriptor(), F_SETFL, fcntl(socket_.descriptor(), F_GETFL) | O_NONBLOCK);
   }
+
+  // A head unit that serves one phone at a time may turn the next link away until it has seen this one's end.
+  ~SocketLink() override {
+    ::shutdown(socket_.descriptor(), SHUT_WR);
+    std::array<std::uint8_t, chunk> unread;
+    pollfd polled{socket_.descriptor(), POLLIN, 0};
+    const Micros end = steadyNow() + farewellLimit;
+    for (Micros left = farewellLimit; !closed_ && left > 0; left = end - steadyNow()) {
+      if (::poll(&polled, 1, static_cast<int>(left / 1000 + 1)) <= 0) continue;
+      const ssize_t got = ::recv(socket_.descriptor(), unread.data(), unread.size(), 0);
+      closed_ = got == 0 || (got < 0 && !wouldBlock());
+    }
+  }
+  SocketLink(const SocketLink&) = delete;
+  SocketLink& operator=(const SocketLink&) = delete;
 
   PhoneLink& link() override { return link_; }
 

@@ -19,6 +19,19 @@ constexpr std::size_t chunk = std::size_t{64} << 10;
 
 bool wouldBlock() { return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR; }
 
+// A head unit that serves one phone at a time may turn the next link away until it has seen this one's end.
+void endInOrder(const Socket& socket) {
+  ::shutdown(socket.descriptor(), SHUT_WR);
+  std::array<std::uint8_t, chunk> unread;
+  pollfd polled{socket.descriptor(), POLLIN, 0};
+  const Micros end = steadyNow() + farewellLimit;
+  for (Micros left = farewellLimit; left > 0; left = end - steadyNow()) {
+    if (::poll(&polled, 1, static_cast<int>(left / 1000 + 1)) <= 0) continue;
+    const ssize_t got = ::recv(socket.descriptor(), unread.data(), unread.size(), 0);
+    if (got == 0 || (got < 0 && !wouldBlock())) return;
+  }
+}
+
 class SocketLink : public LinkUnderTest {
  public:
   /// A raised `wake` ends a wait, and sets `interrupted`. Both outlive the link.
@@ -27,17 +40,8 @@ class SocketLink : public LinkUnderTest {
     fcntl(socket_.descriptor(), F_SETFL, fcntl(socket_.descriptor(), F_GETFL) | O_NONBLOCK);
   }
 
-  // A head unit that serves one phone at a time may turn the next link away until it has seen this one's end.
   ~SocketLink() override {
-    ::shutdown(socket_.descriptor(), SHUT_WR);
-    std::array<std::uint8_t, chunk> unread;
-    pollfd polled{socket_.descriptor(), POLLIN, 0};
-    const Micros end = steadyNow() + farewellLimit;
-    for (Micros left = farewellLimit; !closed_ && left > 0; left = end - steadyNow()) {
-      if (::poll(&polled, 1, static_cast<int>(left / 1000 + 1)) <= 0) continue;
-      const ssize_t got = ::recv(socket_.descriptor(), unread.data(), unread.size(), 0);
-      closed_ = got == 0 || (got < 0 && !wouldBlock());
-    }
+    if (!closed_) endInOrder(socket_);
   }
   SocketLink(const SocketLink&) = delete;
   SocketLink& operator=(const SocketLink&) = delete;

@@ -1,5 +1,6 @@
 #include "headunit/PhoneSource.h"
 
+#include <poll.h>
 #include <spdlog/spdlog.h>
 
 #include <cerrno>
@@ -13,8 +14,9 @@ namespace {
 constexpr milliseconds CONNECT_LIMIT(3000);
 constexpr milliseconds BETWEEN_TRIES(200);
 constexpr milliseconds AFTER_A_REFUSAL(1000);
-constexpr int MOST_AT_ONCE = 8;       // there is a link to look after
-constexpr std::uint64_t TOLD_OF = 3;  // while one phone is served
+constexpr milliseconds LAST_LINK_ENDS(2000);  // at the latest, once its phone has gone
+constexpr int MOST_AT_ONCE = 8;               // there is a link to look after
+constexpr std::uint64_t TOLD_OF = 3;          // while one phone is served
 
 class Listener : public PhoneSource {
  public:
@@ -24,6 +26,7 @@ class Listener : public PhoneSource {
 
   FileDescriptor next() override {
     isTold_ = false;
+    newcomerSince_.reset();
     while (patience_->lasts()) {
       Address peer;
       FileDescriptor phone = acceptFrom(socket_, &peer);
@@ -42,10 +45,20 @@ class Listener : public PhoneSource {
   }
 
   int turnOthersAway() override {
+    if (!canBeRead()) {
+      newcomerSince_.reset();
+      return socket_.get();
+    }
+    if (!newcomerSince_) newcomerSince_ = patience_->now();
+    if (patience_->now() < *newcomerSince_ + LAST_LINK_ENDS) return -1;
     for (int i = 0; i < MOST_AT_ONCE; ++i) {
       Address peer;
       // Of those that cannot be taken, for want of descriptors say, the socket would tell without end.
-      if (!acceptFrom(socket_, &peer)) return isNobodyThere(errno) ? socket_.get() : -1;
+      if (!acceptFrom(socket_, &peer)) {
+        if (!isNobodyThere(errno)) return -1;
+        newcomerSince_.reset();
+        return socket_.get();
+      }
       if (++turnedAway_ > TOLD_OF) continue;
       spdlog::warn("{} connects, too, and is turned away: a phone is connected already{}.", peer.words(),
                    turnedAway_ == TOLD_OF ? " (further ones are turned away without a word)" : "");
@@ -54,6 +67,10 @@ class Listener : public PhoneSource {
   }
 
  private:
+  bool canBeRead() const {
+    pollfd looked{socket_.get(), POLLIN, 0};
+    return poll(&looked, 1, 0) != 0;
+  }
   static bool isNobodyThere(int reason) { return reason == EAGAIN || reason == EWOULDBLOCK; }
 
   // A peer that cannot be taken, for want of descriptors say, goes on waiting: without a pause this would
@@ -73,6 +90,7 @@ class Listener : public PhoneSource {
   bool anyCame_ = false;
   bool isTold_ = false;           // that it waits
   std::uint64_t turnedAway_ = 0;  // during this link
+  std::optional<TimePoint> newcomerSince_;
 };
 
 class Caller : public PhoneSource {

@@ -21,9 +21,11 @@ class PhoneSource {
   /// been logged.
   virtual FileDescriptor next() = 0;
 
-  /// While a phone is served: closes the connections of others that have come meanwhile. Without that they
-  /// would wait, connected and unanswered, until they have gone away. Returns a descriptor that can be read
-  /// when more come, or -1: nobody comes by himself, or this is to be called again without waiting for it.
+  /// While a phone is served: closes the connections of others that have come meanwhile and waited for two
+  /// seconds, in which the phone that is served may turn out to have gone, and be the same that calls again.
+  /// Without that they would wait, connected and unanswered, until they have gone away. Returns a descriptor
+  /// that can be read when more come, or -1: nobody comes by himself, or this is to be called again without
+  /// waiting for it.
   virtual int turnOthersAway() { return -1; }
 };
 

@@ -24,6 +24,7 @@ using testing::HasSubstr;
 using testing::SizeIs;
 
 constexpr milliseconds BETWEEN_TRIES(200);
+constexpr milliseconds LAST_LINK_ENDS(2000);
 
 /// Waits for nothing: its clock goes on to the end of each pause, and something may happen meanwhile.
 class TestPatience : public Patience {
@@ -41,6 +42,8 @@ class TestPatience : public Patience {
       EXPECT_GT(poll(waiting, 2, 5000), 0) << "nothing is there to wait for";
     }
   }
+
+  void passes(milliseconds time) { now_ += time; }
 
   std::function<void()> happens = [] {};
   std::vector<milliseconds> pauses;
@@ -142,6 +145,8 @@ TEST_F(HeadunitPhonesThatCall, AreTurnedAwayWhileAnotherIsServed) {
   const FileDescriptor second = call(address);
   ASSERT_TRUE(second) << why.reason;
   ASSERT_TRUE(becomesReadable(newcomers));
+  EXPECT_EQ(phones->turnOthersAway(), -1) << "the first may be about to go";
+  patience.passes(LAST_LINK_ENDS);
   EXPECT_EQ(phones->turnOthersAway(), newcomers);
   EXPECT_TRUE(isClosed(second));
   EXPECT_EQ(write(first.get(), "x", 1), 1);
@@ -159,10 +164,24 @@ TEST_F(HeadunitPhonesThatCall, AreTurnedAwayWithFewWords) {
   for (int i = 0; i < 9; ++i) {
     const FileDescriptor other = call(address);
     ASSERT_TRUE(becomesReadable(newcomers));
-    phones->turnOthersAway();
+    EXPECT_EQ(phones->turnOthersAway(), -1);
+    patience.passes(LAST_LINK_ENDS);
+    EXPECT_EQ(phones->turnOthersAway(), newcomers);
     EXPECT_TRUE(isClosed(other));
   }
   EXPECT_EQ(log.all().size(), before + 3);
+}
+
+TEST_F(HeadunitPhonesThatCall, AreNextIfTheyComeWhileTheLastLinkEnds) {
+  const FileDescriptor first = call(address);
+  const FileDescriptor served = phones->next();
+  const FileDescriptor second = call(address);
+  ASSERT_TRUE(second) << why.reason;
+  EXPECT_EQ(phones->turnOthersAway(), -1);
+  const FileDescriptor next = phones->next();
+  ASSERT_TRUE(next);
+  EXPECT_EQ(write(second.get(), "x", 1), 1);
+  EXPECT_TRUE(becomesReadable(next.get()));
 }
 
 /// No descriptor more than there are.
@@ -198,6 +217,8 @@ TEST_F(HeadunitPhonesThatCall, AreNotWaitedForWhileTheyCannotEvenBeTurnedAway) {
   const int newcomers = phones->turnOthersAway();
   const FileDescriptor second = call(address);
   ASSERT_TRUE(becomesReadable(newcomers));
+  EXPECT_EQ(phones->turnOthersAway(), -1);
+  patience.passes(LAST_LINK_ENDS);
   {
     const FewDescriptors few;
     EXPECT_EQ(phones->turnOthersAway(), -1) << "it would be readable all the time";

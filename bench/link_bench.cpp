@@ -4,7 +4,7 @@
 // SSL_write of the message, BIO_read of the record. Receiving: the transport's copy into a buffer, BIO_write
 // of the record, SSL_read of the message. One buffer serves for all messages, and there are no frames,
 // queues, locks or threads. The library copies a message once more when it is queued, for its sender does not
-// wait; what the loop takes with that one copy stands in the table too, and no queue can be quicker.
+// wait; what the loop takes with that one copy stands in the table too.
 
 #include <benchmark/benchmark.h>
 

@@ -15,6 +15,8 @@ typedef struct ssl_st SSL;
 typedef struct x509_st X509;
 typedef struct x509_store_st X509_STORE;
 
+class OutputPlace;
+
 /// The values of SslWrapper::state, kept for inspection.
 enum SslWrapperState : int {
   SSL_WRAPPER_READY = 1,      ///< after a successful init
@@ -69,6 +71,17 @@ class VANTRY_EXPORT SslWrapper {
   /// After the handshake: whether the phone's certificate chain leads to the root. No name is compared.
   bool verifyPeer();
 
+  /// How much longer than its plaintext the ciphertext of one record can get, whatever the cipher; and room
+  /// for an alert behind it, since OpenSSL writes one when the reader finds a damaged record.
+  static constexpr unsigned int CIPHERTEXT_ROOM = 650;
+
+  /// Before encryptionPipelineEnqueue, if at all: has OpenSSL lay the ciphertext of the next `length` bytes,
+  /// at most MAX_FRAGMENT_PAYLOAD, at `where`, which has room for CIPHERTEXT_ROOM more. To fetch all of it
+  /// from there to there then moves no byte. The plaintext may lie there too. `where` must stay until all is
+  /// fetched or the enqueue has failed. Returns false, and does nothing, while older ciphertext waits: that
+  /// has to leave first.
+  bool encryptionPipelinePlace(void* where, unsigned int length);
+
   /// Enciphers `length` bytes. Returns the number of ciphertext bytes to fetch, or below 1 on failure.
   int encryptionPipelineEnqueue(void* data, unsigned int length);
 
@@ -108,4 +121,6 @@ class VANTRY_EXPORT SslWrapper {
   X509_STORE* certificateStore = nullptr;
   bool verifyTimeSet = false;
   time_t verifyTime = 0;
+  OutputPlace* output = nullptr;  // where writeBio writes to
+  unsigned int expansion = 0;     // by how much the latest placed record outgrew its plaintext
 };

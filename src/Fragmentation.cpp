@@ -6,9 +6,19 @@
 #include <utility>
 
 #include "ChannelManager.h"
+#include "SslWrapper.h"
 #include "protos.pb.h"
 
 namespace {
+
+constexpr unsigned int ROOM_TO_ENCIPHER = SslWrapper::CIPHERTEXT_ROOM + 4;  // the header of a whole message
+constexpr unsigned int CHEAP_TO_COPY = 2048;  // below it to place a record costs more than to copy it
+
+/// How much longer than a message its storage is, for it to go on to the writer with the message enciphered
+/// in it.
+unsigned int roomFor(unsigned int length, bool encrypted) {
+  return encrypted && length >= CHEAP_TO_COPY && length <= MAX_FRAGMENT_PAYLOAD ? ROOM_TO_ENCIPHER : 0;
+}
 
 int kindOfFragment(unsigned int offset, unsigned int left) {
   const int first = offset == 0 ? FRAME_FIRST : 0;
@@ -29,7 +39,9 @@ bool allocateMessage(IoBuffer* message, unsigned int total, unsigned long long s
 
 void ChannelManager::messageToFrames(int channel, bool control, void* data, unsigned int length,
                                      const shared_ptr<Channel>& target, bool encrypted) {
-  const shared_ptr<IoBuffer> message(new IoBuffer(length));
+  const unsigned int room = roomFor(length, encrypted);
+  const shared_ptr<IoBuffer> message(new IoBuffer(length + room));
+  message->capacity = message->end = length;
   if (length == 0) return;
   memcpy(message->data, data, length);
   const int flags = (encrypted ? FRAME_FLAG_ENCRYPTED : 0) | (control ? FRAME_FLAG_CONTROL : 0);
@@ -44,6 +56,7 @@ void ChannelManager::messageToFrames(int channel, bool control, void* data, unsi
     frame->totalLength = kind == FRAME_FIRST ? length : 0;
     frame->payload = message->data + offset;
     frame->buffer = message;
+    frame->room = room;
     offset += frame->length;
     target->enqueueOutgoing(frame);
     outgoingFrames.up();

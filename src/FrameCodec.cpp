@@ -5,6 +5,7 @@
 //     8 bits   8      16      32, FRAME_FIRST only
 
 #include <cstring>
+#include <utility>
 
 #include "BigEndian.h"
 #include "ChannelManager.h"
@@ -20,6 +21,23 @@ constexpr unsigned int LONG_HEADER = 8;
 int framingError(unsigned long size, int length) {
   print_critical_i("[LHU] Framing error: len=%lu framelen=%d", size, length);
   return STATUS_FRAMING_ERROR;
+}
+
+unsigned int headerSize(const Frame& frame) { return frame.totalLength != 0 ? LONG_HEADER : SHORT_HEADER; }
+
+void writeHeader(const Frame& frame, unsigned int size, unsigned char* at) {
+  at[0] = frame.channelId;
+  at[1] = frame.flags;
+  writeBigEndian16(at + 2, static_cast<unsigned short>(size));
+  if (headerSize(frame) == LONG_HEADER) writeBigEndian32(at + SHORT_HEADER, frame.totalLength);
+}
+
+/// Makes the storage of `from`, of which `size` bytes count, that of `to`.
+void takeStorage(IoBuffer* from, unsigned int size, IoBuffer* to) {
+  std::swap(from->data, to->data);
+  from->capacity = to->capacity;
+  from->start = from->end = to->start = 0;
+  to->capacity = to->end = size;
 }
 
 }  // namespace
@@ -72,27 +90,34 @@ bool ChannelManager::decryptInPlace(Frame* frame, SslWrapper* wrapper) {
 }
 
 void ChannelManager::encodeFrame(const shared_ptr<Frame>& frame, IoBuffer* out) {
-  const unsigned int header = frame->totalLength != 0 ? LONG_HEADER : SHORT_HEADER;
   SslWrapper* const wrapper = frame->has(FRAME_FLAG_ENCRYPTED) ? sslWrapper.load() : nullptr;
-  int size = frame->length;
-  if (wrapper != nullptr && (size = encryptedSize(*frame, wrapper)) < 0) return;
+  if (wrapper != nullptr) return encipherFrame(&*frame, wrapper, out);
 
-  out->resize(header + static_cast<unsigned int>(size));
-  out->data[0] = frame->channelId;
-  out->data[1] = frame->flags;
-  writeBigEndian16(out->data + 2, static_cast<unsigned short>(size));
-  if (header == LONG_HEADER) writeBigEndian32(out->data + SHORT_HEADER, frame->totalLength);
-
-  if (wrapper == nullptr) {
-    memcpy(out->data + header, frame->payload, frame->length);
-  } else if (wrapper->encryptionPipelineDequeue(out->data + header, static_cast<unsigned int>(size)) < 0) {
-    router.load()->unrecoverableError();
-  }
+  const unsigned int header = headerSize(*frame);
+  out->resize(header + frame->length);
+  writeHeader(*frame, frame->length, out->data);
+  memcpy(out->data + header, frame->payload, frame->length);
 }
 
-int ChannelManager::encryptedSize(const Frame& frame, SslWrapper* wrapper) {
-  const int size = wrapper->encryptionPipelineEnqueue(frame.payload, frame.length);
-  // The writer then sends the former frame again; the host, told here, is about to stop the link.
-  if (size < 0) router.load()->unrecoverableError();
-  return size;
+void ChannelManager::encipherFrame(Frame* frame, SslWrapper* wrapper, IoBuffer* out) {
+  const unsigned int header = headerSize(*frame);
+  // OpenSSL has taken in the whole record before it gives out a byte, so it may replace its own plaintext.
+  const bool placed = frame->room >= header + SslWrapper::CIPHERTEXT_ROOM &&
+                      wrapper->encryptionPipelinePlace(frame->buffer->data + header, frame->length);
+  const int size = wrapper->encryptionPipelineEnqueue(frame->payload, frame->length);
+  if (size < 0) {
+    // The writer then sends the former frame again; the host, told here, is about to stop the link.
+    router.load()->unrecoverableError();
+    return;
+  }
+  const unsigned int whole = header + static_cast<unsigned int>(size);
+  if (placed) {
+    takeStorage(&*frame->buffer, whole, out);
+  } else {
+    out->resize(whole);
+  }
+  writeHeader(*frame, static_cast<unsigned int>(size), out->data);
+  if (wrapper->encryptionPipelineDequeue(out->data + header, static_cast<unsigned int>(size)) < 0) {
+    router.load()->unrecoverableError();
+  }
 }

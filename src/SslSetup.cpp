@@ -10,6 +10,7 @@
 #include "Log.h"
 #include "Mutex.h"
 #include "OpenSslState.h"
+#include "OutputPlace.h"
 #include "SslLocks.h"
 #include "SslWrapper.h"
 
@@ -82,6 +83,7 @@ bool SslWrapper::createConnection() {
   if (readBio == nullptr) return fail("[LHU] Failed to allocate read bio.");
   writeBio = BIO_new(BIO_s_mem());
   if (writeBio == nullptr) return fail("[LHU] Failed to allocate write bio.");
+  output = new OutputPlace(writeBio);
   sslBio = BIO_new(BIO_f_ssl());
   if (sslBio == nullptr) return fail("[LHU] Failed to create filter bio.");
   SSL_set_bio(ssl, readBio, writeBio);
@@ -111,6 +113,7 @@ void SslWrapper::shutdown() {
     if (readBio != nullptr) BIO_free(readBio);
     if (writeBio != nullptr) BIO_free(writeBio);
   }
+  delete output;
   if (sslContext != nullptr) SSL_CTX_free(sslContext);
   if (certificateStore != nullptr) X509_STORE_free(certificateStore);
   if (rootCertificate != nullptr) X509_free(rootCertificate);

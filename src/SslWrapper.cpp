@@ -11,6 +11,7 @@
 #include "BigEndian.h"
 #include "Log.h"
 #include "OpenSslState.h"
+#include "OutputPlace.h"
 #include "protos.pb.h"
 
 // The handshake and the two pipelines. Setting up and tearing down is in SslSetup.cpp.
@@ -21,6 +22,9 @@ constexpr unsigned int TYPE_SIZE = 2;
 // Many times what OpenSSL accepts in one flight of a handshake. What a phone announces beyond it is not
 // copied.
 constexpr unsigned int MOST_HANDSHAKE_BYTES = 1U << 20;
+
+static_assert(SslWrapper::CIPHERTEXT_ROOM >= 2 * (SSL3_RT_HEADER_LENGTH + SSL3_RT_MAX_ENCRYPTED_OVERHEAD),
+              "one record, and behind it an alert");
 
 bool isPartialResult(int error) { return error == SSL_ERROR_WANT_READ || error == SSL_ERROR_WANT_WRITE; }
 
@@ -36,6 +40,8 @@ int logReadFailure(const SSL* ssl, int result) {
   return sslError;
 }
 
+bool isPlacing(const OutputPlace* output) { return output != nullptr && output->isBegun(); }
+
 /// Throws away what a former frame left in `memory`, which is about to be given `length` bytes.
 void emptyFor(unsigned int length, BIO* memory) {
   BUF_MEM* content = nullptr;
@@ -44,8 +50,7 @@ void emptyFor(unsigned int length, BIO* memory) {
     print_critical_i("[LHU] Throwing away %d bytes", static_cast<int>(content->length));
     static_cast<void>(BIO_reset(memory));
   }
-  // OpenSSL clears what a memory BIO grows by, only for the write to fill it; but not what counts as there.
-  content->length = std::min<std::size_t>(content->max, length);
+  spareClearing(content, length);
 }
 
 }  // namespace
@@ -103,19 +108,31 @@ bool SslWrapper::verifyPeer() {
   return result == 1;
 }
 
+bool SslWrapper::encryptionPipelinePlace(void* where, unsigned int length) {
+  return output != nullptr && output->begin(where, length + CIPHERTEXT_ROOM, length + expansion);
+}
+
 int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length) {
   // What the host left in OpenSSL's error queue does no harm here: nothing asks for the reason of a failure.
   const int count = BIO_write(sslBio, data, static_cast<int>(length));
   if (count < 1) {
     print_critical_i("[LHU] Failed to write data to mSsl!");
+    if (isPlacing(output)) output->end();
     return count;
   }
-  return static_cast<int>(BIO_pending(writeBio));
+  const auto pending = static_cast<unsigned int>(BIO_pending(writeBio));
+  if (isPlacing(output)) expansion = pending - length;
+  return static_cast<int>(pending);
 }
 
 int SslWrapper::encryptionPipelineDequeue(void* data, unsigned int length) {
+  if (isPlacing(output) && output->holds(data, length)) {
+    output->end();
+    return static_cast<int>(length);
+  }
   const int count = BIO_read(writeBio, data, static_cast<int>(length));
   if (count < 0) print_critical_i("[LHU] Failed to read from encryption pipeline.");
+  if (isPlacing(output) && BIO_pending(writeBio) == 0) output->end();
   return count;
 }
 

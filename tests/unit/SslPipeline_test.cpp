@@ -12,6 +12,7 @@
 namespace test {
 namespace {
 
+using testing::Each;
 using testing::MatchesRegex;
 
 struct SslPipelineTest : testing::Test {
@@ -31,16 +32,19 @@ struct SslPipelineTest : testing::Test {
     result = wrapper.decryptionPipelineDequeue(plain.data(), length);
     return part(plain, 0, result > 0 ? static_cast<std::size_t>(result) : 0);
   }
+  void enciphersAsEver() {
+    Bytes plain = bytes("01 02 03");
+    const int size = wrapper.encryptionPipelineEnqueue(plain.data(), 3);
+    ASSERT_GT(size, 3);
+    Bytes records = filled(static_cast<std::size_t>(size), 0);
+    EXPECT_EQ(wrapper.encryptionPipelineDequeue(records.data(), static_cast<unsigned int>(size)), size);
+    EXPECT_EQ(link.decrypted(records), plain);
+  }
   int result = 0;
 };
 
 TEST_F(SslPipelineTest, EnciphersIntoRecordsThatThePhoneReads) {
-  Bytes plain = bytes("01 02 03");
-  const int size = wrapper.encryptionPipelineEnqueue(plain.data(), 3);
-  ASSERT_GT(size, 3);
-  Bytes records = filled(static_cast<std::size_t>(size), 0);
-  EXPECT_EQ(wrapper.encryptionPipelineDequeue(records.data(), static_cast<unsigned int>(size)), size);
-  EXPECT_EQ(link.decrypted(records), plain);
+  enciphersAsEver();
   EXPECT_THAT(log.all(), IsEmpty());
 }
 
@@ -68,6 +72,58 @@ TEST_F(SslPipelineTest, FetchingCiphertextThatIsNotThereFailsWithALine) {
   unsigned char byte = 0;
   EXPECT_LT(wrapper.encryptionPipelineDequeue(&byte, 1), 0);
   EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Failed to read from encryption pipeline."));
+}
+
+TEST_F(SslPipelineTest, CiphertextIsLaidWhereItWillBeWantedEvenOverItsPlaintext) {
+  for (const std::size_t size : {3UL, FRAGMENT, 5000UL, FRAGMENT}) {
+    const Bytes plain = pattern(size);
+    Bytes place = filled(size + SslWrapper::CIPHERTEXT_ROOM, 0xCC);
+    std::copy(plain.begin(), plain.end(), place.begin());
+    ASSERT_TRUE(wrapper.encryptionPipelinePlace(place.data(), static_cast<unsigned int>(size)));
+    const int count = wrapper.encryptionPipelineEnqueue(place.data(), static_cast<unsigned int>(size));
+    const Bytes laid = part(place, 0, static_cast<std::size_t>(count));
+    EXPECT_EQ(wrapper.encryptionPipelineDequeue(place.data(), static_cast<unsigned int>(count)), count);
+    EXPECT_EQ(part(place, 0, laid.size()), laid);
+    EXPECT_THAT(part(place, laid.size()), Each(0xCC)) << "nothing else was touched";
+    EXPECT_EQ(link.decrypted(laid), plain);
+  }
+  EXPECT_THAT(log.all(), IsEmpty());
+}
+
+TEST_F(SslPipelineTest, LaidCiphertextCanBeFetchedToAnotherPlaceAndInPieces) {
+  Bytes place = filled(3 + SslWrapper::CIPHERTEXT_ROOM, 1);
+  ASSERT_TRUE(wrapper.encryptionPipelinePlace(place.data(), 3));
+  const int count = wrapper.encryptionPipelineEnqueue(place.data(), 3);
+  Bytes fetched = filled(static_cast<std::size_t>(count), 0);
+  EXPECT_EQ(wrapper.encryptionPipelineDequeue(fetched.data(), 5), 5);
+  EXPECT_EQ(wrapper.encryptionPipelineDequeue(fetched.data() + 5, 1000), count - 5);
+  place.clear();  // needed no longer
+  EXPECT_EQ(link.decrypted(fetched), bytes("01 01 01"));
+  EXPECT_LT(wrapper.encryptionPipelineDequeue(fetched.data(), 1), 0);
+  enciphersAsEver();
+}
+
+TEST_F(SslPipelineTest, NothingIsLaidWhileOlderCiphertextWaits) {
+  Bytes plain = bytes("01 02 03");
+  Bytes place = filled(3 + SslWrapper::CIPHERTEXT_ROOM, 0xCC);
+  const int once = wrapper.encryptionPipelineEnqueue(plain.data(), 3);
+  EXPECT_FALSE(wrapper.encryptionPipelinePlace(place.data(), 3));
+  EXPECT_EQ(wrapper.encryptionPipelineEnqueue(plain.data(), 3), 2 * once);
+  EXPECT_THAT(place, Each(0xCC));
+  Bytes records = filled(2 * static_cast<std::size_t>(once), 0);
+  EXPECT_EQ(wrapper.encryptionPipelineDequeue(records.data(), 2 * static_cast<unsigned int>(once)), 2 * once);
+  EXPECT_EQ(link.decrypted(records), bytes("01 02 03 01 02 03"));
+  EXPECT_TRUE(wrapper.encryptionPipelinePlace(place.data(), 3));
+  EXPECT_EQ(wrapper.encryptionPipelineEnqueue(plain.data(), 3), once);
+}
+
+TEST_F(SslPipelineTest, APlaceIsForgottenWhenEncipheringFails) {
+  unsigned char nothing = 0;
+  Bytes place = filled(SslWrapper::CIPHERTEXT_ROOM, 0xCC);
+  ASSERT_TRUE(wrapper.encryptionPipelinePlace(place.data(), 0));
+  EXPECT_LT(wrapper.encryptionPipelineEnqueue(&nothing, 0), 1);
+  enciphersAsEver();
+  EXPECT_THAT(place, Each(0xCC));
 }
 
 TEST_F(SslPipelineTest, DeciphersWhatThePhoneSends) {
@@ -234,6 +290,36 @@ TEST_F(FrameEncryptionTest, TheLengthOnTheWireIsOfTheCiphertextAndTheTotalLength
   EXPECT_EQ(link.decrypted(parseFrame(wire[1]).payload), part(whole, FRAGMENT));
 }
 
+TEST_F(FrameEncryptionTest, FramesOfAllSizesAreEncipheredOneAfterAnother) {
+  IoBuffer out;
+  for (const std::size_t size :
+       {2UL, 2047UL, 2048UL, FRAGMENT, 2UL, FRAGMENT, FRAGMENT + 1, 3000UL, 3000UL}) {
+    Bytes message = pattern(size);
+    link.router()->queueOutgoing(0, message.data(), static_cast<unsigned int>(size));
+    Bytes plain;
+    while (plain.size() < size) {
+      ASSERT_TRUE(link.channels().extractEncodedFrame(&out));
+      EXPECT_EQ(out.capacity, out.end);
+      EXPECT_EQ(out.start, 0U);
+      const Bytes payload = parseFrame(Bytes(out.content(), out.size())).payload;
+      EXPECT_EQ(payload.size(), out.size() - (size > FRAGMENT && plain.empty() ? 8U : 4U));
+      plain = plain + link.decrypted(payload);
+    }
+    EXPECT_EQ(plain, message);
+  }
+}
+
+TEST_F(FrameEncryptionTest, AFrameGoesOutBehindOlderCiphertextThatWaited) {
+  Bytes older = pattern(5000);
+  wrapper.encryptionPipelineEnqueue(older.data(), 5000);
+  Bytes message = pattern(FRAGMENT);
+  link.router()->queueOutgoing(0, message.data(), FRAGMENT);
+  IoBuffer out;
+  ASSERT_TRUE(link.channels().extractEncodedFrame(&out));
+  const Bytes payload = parseFrame(Bytes(out.content(), out.size())).payload;
+  EXPECT_EQ(link.decrypted(payload), older + message);
+}
+
 TEST_F(FrameEncryptionTest, RecordsStandInTheOrderOfTheFramesOnTheWire) {
   link.channels().registerChannel(1, 0);
   Bytes first = bytes("80 01");
@@ -289,17 +375,25 @@ TEST_F(FrameEncryptionTest, AFreshStartForgetsTheEncryption) {
 
 TEST_F(FrameEncryptionTest, AFailedEncipheringTellsTheHostAndLeavesTheFormerFrame) {
   IoBuffer out;
-  link.controller().sendPingRequest(1, false);
+  Bytes message = pattern(FRAGMENT);
+  link.router()->queueOutgoing(0, message.data(), FRAGMENT);
   EXPECT_TRUE(link.channels().extractEncodedFrame(&out));
-  const Bytes former(out.content(), out.size());
+  const Bytes former(out.content(), out.content() + out.size());
 
   EXPECT_CALL(host, unrecoverableError());
   breaksTls();
-  link.controller().sendPingRequest(2, false);
+  link.router()->queueOutgoing(0, message.data(), FRAGMENT);
   EXPECT_TRUE(link.channels().extractEncodedFrame(&out)) << "all the same";
   EXPECT_EQ(Bytes(out.content(), out.size()), former);
   EXPECT_TRUE(link.channels().isRunning());
   EXPECT_EQ(log.critical().back(), "[LHU] Failed to write data to mSsl!");
+
+  EXPECT_CALL(host, unrecoverableError());
+  Bytes alert = filled(100, 0);
+  EXPECT_GT(wrapper.encryptionPipelineDequeue(alert.data(), 100), 0);
+  link.router()->queueOutgoing(0, message.data(), FRAGMENT);
+  EXPECT_TRUE(link.channels().extractEncodedFrame(&out));
+  EXPECT_EQ(Bytes(out.content(), out.size()), former) << "also when nothing else waits to leave";
 }
 
 }  // namespace

@@ -3,15 +3,14 @@
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <memory>
-#include <sstream>
+
+#include "common/InputFile.h"
 
 namespace headunit {
 namespace {
 
+constexpr programs::InputLimits FILE_LIMITS{1 << 20};
 constexpr const char* ADVICE = "; scripts/make-credentials DIR makes a complete set";
 
 struct Free {
@@ -34,40 +33,39 @@ Owned<EVP_PKEY> parseKey(const std::string& pem) {
 }
 
 bool readFile(const std::string& path, std::string* text, std::string* error) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream content;
-  if (file) content << file.rdbuf();
-  if (!file || content.str().empty()) {
-    *error = "cannot read " + path + ": " + (errno != 0 ? std::strerror(errno) : "it is empty") + ADVICE;
-    return false;
-  }
-  *text = content.str();
-  return true;
+  std::string reason = "it is empty";
+  *text = programs::readInput(path, FILE_LIMITS, &reason).value_or("");
+  if (text->empty()) *error = "cannot read " + path + ": " + reason + ADVICE;
+  return !text->empty();
 }
 
 // Why no link can use them, in words; empty if one can.
-std::string fault(const Credentials& credentials, const std::string& folder) {
-  if (!parseCertificate(credentials.root)) return folder + "/root.pem holds no certificate";
+std::string fault(const Credentials& credentials, const std::array<std::string, 3>& files) {
+  const auto& [rootFile, certificateFile, keyFile] = files;
+  if (!parseCertificate(credentials.root)) return rootFile + " holds no certificate";
   const Owned<X509> certificate = parseCertificate(credentials.certificate);
-  if (!certificate) return folder + "/headunit.pem holds no certificate";
+  if (!certificate) return certificateFile + " holds no certificate";
   const Owned<EVP_PKEY> key = parseKey(credentials.key);
-  if (!key) return folder + "/headunit.key holds no private key that can be read without a passphrase";
-  if (X509_check_private_key(certificate.get(), key.get()) != 1) {
-    return folder + "/headunit.key does not belong to " + folder + "/headunit.pem";
-  }
+  if (!key) return keyFile + " holds no private key that can be read without a passphrase";
+  if (X509_check_private_key(certificate.get(), key.get()) != 1)
+    return keyFile + " does not belong to " + certificateFile;
   return {};
 }
 
 }  // namespace
 
+std::array<std::string, 3> credentialFiles(const std::string& folder) {
+  return {folder + "/root.pem", folder + "/headunit.pem", folder + "/headunit.key"};
+}
+
 std::optional<Credentials> loadCredentials(const std::string& folder, std::string* error) {
   Credentials credentials;
-  errno = 0;
-  const bool complete = readFile(folder + "/root.pem", &credentials.root, error) &&
-                        readFile(folder + "/headunit.pem", &credentials.certificate, error) &&
-                        readFile(folder + "/headunit.key", &credentials.key, error);
+  const std::array<std::string, 3> files = credentialFiles(folder);
+  const bool complete = readFile(files[0], &credentials.root, error) &&
+                        readFile(files[1], &credentials.certificate, error) &&
+                        readFile(files[2], &credentials.key, error);
   if (!complete) return {};
-  *error = fault(credentials, folder);
+  *error = fault(credentials, files);
   if (error->empty()) return credentials;
   *error += ADVICE;
   return {};

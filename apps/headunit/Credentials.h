@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -11,6 +12,9 @@ struct Credentials {
   std::string certificate;
   std::string key;
 };
+
+/// The files of a folder that hold them, in the order above.
+std::array<std::string, 3> credentialFiles(const std::string& folder);
 
 /// Reads `root.pem`, `headunit.pem` and `headunit.key` of a folder, and checks that certificate and key
 /// belong together. Nothing on failure, with a whole sentence on what is wrong and what to do in `*error`.

@@ -1,12 +1,9 @@
 #include "headunit/DriveScript.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
-#include <fstream>
-#include <sstream>
 
+#include "common/InputFile.h"
 #include "headunit/DriveFields.h"
 #include "headunit/VehicleSensors.h"
 
@@ -18,6 +15,7 @@ constexpr microseconds SHORTEST(10'000);
 constexpr milliseconds UNTIL_THE_SENSORS_ARE_OPEN(20);
 // Satellites that the phone has not asked for gather in the library without limit.
 constexpr int SATELLITE_REPORTS = 100;
+constexpr programs::InputLimits FILE_LIMITS{16 << 20};
 constexpr double AFTER_THE_LAST_STEP = 1;  // seconds, unless the drive tells its length
 
 // What the library takes is sent when there is time for it, so that more than a link can carry would gather
@@ -123,16 +121,12 @@ std::optional<DriveScript> parseDrive(const std::string& text, std::string* erro
 }
 
 std::optional<DriveScript> loadDrive(const std::string& path, std::string* error) {
-  errno = 0;
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream content;
-  if (file) content << file.rdbuf();
-  // An empty file fails without a reason here, and is complained about below.
-  if (!file || (!content && errno != 0)) {
-    *error = path + ": " + (errno != 0 ? std::strerror(errno) : "it cannot be read");
+  const std::optional<std::string> text = programs::readInput(path, FILE_LIMITS, error);
+  if (!text) {
+    *error = path + ": " + *error;
     return {};
   }
-  std::optional<DriveScript> drive = parseDrive(content.str(), error);
+  std::optional<DriveScript> drive = parseDrive(*text, error);
   if (!drive) *error = path + ", " + *error;
   return drive;
 }

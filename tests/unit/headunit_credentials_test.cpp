@@ -61,6 +61,12 @@ TEST_F(HeadunitCredentials, NameAFileThatIsEmptyOrAFolder) {
   EXPECT_THAT(problem(), HasSubstr("root.pem"));
 }
 
+TEST_F(HeadunitCredentials, NameAFileThatNeverEnds) {
+  std::filesystem::remove(folder + "/headunit.pem");
+  std::filesystem::create_symlink("/dev/zero", folder + "/headunit.pem");
+  EXPECT_THAT(problem(), HasSubstr("headunit.pem: it has more than 1 MiB"));
+}
+
 TEST_F(HeadunitCredentials, NameAFileThatHoldsSomethingElse) {
   put("headunit.key", "no key");
   EXPECT_THAT(problem(), HasSubstr("headunit.key holds no private key"));

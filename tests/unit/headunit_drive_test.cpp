@@ -176,6 +176,18 @@ TEST(HeadunitDriveFile, IsNamedIfItCannotBeRead) {
   EXPECT_EQ(error, folder + ": Is a directory");
 }
 
+TEST(HeadunitDriveFile, IsNotTakenIntoMemoryIfItIsHuge) {
+  std::string path = (std::filesystem::temp_directory_path() / "headunit-XXXXXX").string();
+  ::close(::mkstemp(path.data()));
+  std::filesystem::resize_file(path, std::uintmax_t{1} << 40);
+  std::string error;
+  EXPECT_FALSE(loadDrive(path, &error));
+  std::filesystem::remove(path);
+  EXPECT_EQ(error, path + ": it has more than 16 MiB");
+  EXPECT_FALSE(loadDrive("/dev/zero", &error));
+  EXPECT_EQ(error, "/dev/zero: it has more than 16 MiB, if it ends at all");
+}
+
 TEST(HeadunitDriveFile, MayNotBeEmpty) {
   std::string path = (std::filesystem::temp_directory_path() / "headunit-XXXXXX").string();
   ::close(::mkstemp(path.data()));

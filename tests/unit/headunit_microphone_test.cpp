@@ -112,11 +112,30 @@ TEST(HeadunitMicrophoneFeed, RefusesWithoutAMicrophone) {
   EXPECT_GE(feed.request(false, 0), 0);
 }
 
-TEST(HeadunitMicrophoneFile, IsBroughtToTheMicrophonesRate) {
-  std::string pattern = (std::filesystem::temp_directory_path() / "headunit.XXXXXX").string();
-  const std::string folder = mkdtemp(pattern.data());
+struct HeadunitMicrophoneFile : testing::Test {
+  ~HeadunitMicrophoneFile() override { std::filesystem::remove_all(folder); }
+
+  /// A sound file of this rate, in which so many mono samples stand.
+  void make(unsigned int rate, std::size_t samples) {
+    const std::vector<std::int16_t> sound(samples, 1000);
+    const auto writer = WavWriter::create(path, rate, 1, &error);
+    if (!sound.empty()) writer->write(sound.data(), sound.size(), &error);
+  }
+  std::string problem() {
+    error.clear();
+    EXPECT_FALSE(readForMicrophone(path, &error));
+    return error;
+  }
+
+  const std::string folder = [] {
+    std::string pattern = (std::filesystem::temp_directory_path() / "headunit.XXXXXX").string();
+    return std::string(mkdtemp(pattern.data()));
+  }();
   const std::string path = folder + "/say.wav";
   std::string error;
+};
+
+TEST_F(HeadunitMicrophoneFile, IsBroughtToTheMicrophonesRate) {
   const std::vector<std::int16_t> second(48000 * 2, 1000);
   WavWriter::create(path, 48000, 2, &error)->write(second.data(), second.size(), &error);
   const auto samples = readForMicrophone(path, &error);
@@ -127,16 +146,34 @@ TEST(HeadunitMicrophoneFile, IsBroughtToTheMicrophonesRate) {
   const std::vector<std::int16_t> exact = {1, -2, 300};
   WavWriter::create(path, MICROPHONE_RATE, 1, &error)->write(exact.data(), exact.size(), &error);
   EXPECT_EQ(readForMicrophone(path, &error), exact) << "what has the right format stays what it is";
+}
 
-  EXPECT_TRUE(WavWriter::create(path, 48000, 2, &error));
-  EXPECT_FALSE(readForMicrophone(path, &error));
-  EXPECT_EQ(error, path + ": it holds no sound");
-
+TEST_F(HeadunitMicrophoneFile, IsToldIfItIsNoneOfSound) {
+  EXPECT_EQ(problem(), path + ": No such file or directory");
+  std::ofstream(path) << "";
+  EXPECT_EQ(problem(), path + ": it is empty");
   std::ofstream(path) << "no sound at all";
-  EXPECT_FALSE(readForMicrophone(path, &error));
-  EXPECT_THAT(error, HasSubstr("say.wav: "));
-  EXPECT_FALSE(readForMicrophone(folder + "/none.wav", &error));
-  std::filesystem::remove_all(folder);
+  EXPECT_THAT(problem(), HasSubstr(path + ": it cannot be read as a WAVE file ("));
+  make(48000, 0);
+  EXPECT_EQ(problem(), path + ": it holds no sound");
+}
+
+TEST_F(HeadunitMicrophoneFile, HasARateOfSound) {
+  for (const unsigned int rate : {1U, 999U, 768'001U, 2'000'000'000U}) {
+    make(rate, 100);
+    EXPECT_EQ(problem(), path + ": its rate is none of sound") << rate;
+  }
+}
+
+TEST_F(HeadunitMicrophoneFile, IsNoLongerThanAnHour) {
+  make(1000, 3601 * 1000);
+  EXPECT_EQ(problem(), path + ": it is longer than an hour");
+}
+
+TEST_F(HeadunitMicrophoneFile, IsNotTakenIntoMemoryIfItIsHuge) {
+  make(48000, 100);
+  std::filesystem::resize_file(path, std::uintmax_t{1} << 32);
+  EXPECT_EQ(problem(), path + ": it has more than 128 MiB");
 }
 
 }  // namespace

@@ -8,11 +8,19 @@
 #include <mutex>
 #include <thread>
 
+#include "common/InputFile.h"
+
 namespace headunit {
 namespace {
 
 // 10 ms, and whole milliseconds: SDL's dummy device waits no fractions, and would run ahead of the phone.
 constexpr Uint16 DEVICE_FRAMES = MIX_RATE / 100;
+
+// Twelve minutes as a compact disc has them, or an hour of speech.
+constexpr programs::InputLimits FILE_LIMITS{128 << 20};
+constexpr std::size_t LONGEST_RECORDING = std::size_t{3600} * MICROPHONE_RATE;
+constexpr int LOWEST_RATE = 1000;
+constexpr int HIGHEST_RATE = 768'000;
 
 SDL_AudioSpec formatOf(unsigned int rate, unsigned int channels, unsigned int frames) {
   SDL_AudioSpec format{};
@@ -152,6 +160,71 @@ class SdlMicrophone : public Microphone {
   std::thread listening_;  // last: it uses all of the above
 };
 
+/// What a WAVE file holds.
+struct Recording {
+  struct Free {
+    void operator()(Uint8* bytes) const { SDL_FreeWAV(bytes); }
+  };
+
+  std::size_t frameSize() const { return SDL_AUDIO_BITSIZE(format.format) / 8U * format.channels; }
+  /// How many samples the microphone makes of it.
+  std::size_t samples() const {
+    return length / frameSize() * MICROPHONE_RATE / static_cast<std::size_t>(format.freq);
+  }
+
+  SDL_AudioSpec format{};
+  std::unique_ptr<Uint8, Free> bytes;
+  Uint32 length = 0;
+};
+
+std::optional<Recording> parseWav(const std::string& file, std::string* error) {
+  if (file.empty()) {
+    *error = "it is empty";
+    return {};
+  }
+  Recording recording;
+  Uint8* bytes = nullptr;
+  SDL_RWops* const source = SDL_RWFromConstMem(file.data(), static_cast<int>(file.size()));
+  const bool isRead =
+      source != nullptr && SDL_LoadWAV_RW(source, 1, &recording.format, &bytes, &recording.length) != nullptr;
+  recording.bytes.reset(bytes);
+  if (!isRead) {
+    *error = "it cannot be read as a WAVE file (" + std::string(SDL_GetError()) + ")";
+  } else if (recording.format.freq < LOWEST_RATE || recording.format.freq > HIGHEST_RATE) {
+    *error = "its rate is none of sound";
+  } else if (recording.length < recording.frameSize()) {
+    *error = "it holds no sound";
+  } else if (recording.samples() > LONGEST_RECORDING) {
+    *error = "it is longer than an hour";
+  } else {
+    return recording;
+  }
+  return {};
+}
+
+std::optional<std::vector<std::int16_t>> forMicrophone(const Recording& recording, std::string* error) {
+  const SDL_AudioSpec& format = recording.format;
+  const std::unique_ptr<SDL_AudioStream, void (*)(SDL_AudioStream*)> stream(
+      SDL_NewAudioStream(format.format, format.channels, format.freq, AUDIO_S16SYS, 1,
+                         static_cast<int>(MICROPHONE_RATE)),
+      SDL_FreeAudioStream);
+  // The stream keeps some of what it was given to itself: silence after the end, which is cut off again.
+  const std::vector<Uint8> silence(recording.frameSize() * (static_cast<std::size_t>(format.freq) / 10 + 1),
+                                   format.silence);
+  if (!stream ||
+      SDL_AudioStreamPut(stream.get(), recording.bytes.get(), static_cast<int>(recording.length)) != 0 ||
+      SDL_AudioStreamPut(stream.get(), silence.data(), static_cast<int>(silence.size())) != 0 ||
+      SDL_AudioStreamFlush(stream.get()) != 0) {
+    *error = SDL_GetError();
+    return {};
+  }
+  const auto available =
+      static_cast<std::size_t>(SDL_AudioStreamAvailable(stream.get())) / sizeof(std::int16_t);
+  std::vector<std::int16_t> samples(std::min(available, recording.samples()));
+  SDL_AudioStreamGet(stream.get(), samples.data(), static_cast<int>(samples.size() * sizeof(std::int16_t)));
+  return samples;
+}
+
 }  // namespace
 
 std::unique_ptr<SoundOutput> openSoundDevice(Mixer* mixer, std::string* error) {
@@ -170,40 +243,12 @@ std::unique_ptr<Microphone> findMicrophone(std::string* error) {
 }
 
 std::optional<std::vector<std::int16_t>> readForMicrophone(const std::string& path, std::string* error) {
-  SDL_AudioSpec found;
-  Uint8* bytes = nullptr;
-  Uint32 length = 0;
-  if (SDL_LoadWAV(path.c_str(), &found, &bytes, &length) == nullptr) {
-    *error = path + ": " + SDL_GetError();
-    return {};
-  }
-  const std::size_t frameSize = SDL_AUDIO_BITSIZE(found.format) / 8U * found.channels;
-  if (length < frameSize) {
-    SDL_FreeWAV(bytes);
-    *error = path + ": it holds no sound";
-    return {};
-  }
-  SDL_AudioStream* const stream = SDL_NewAudioStream(found.format, found.channels, found.freq, AUDIO_S16SYS,
-                                                     1, static_cast<int>(MICROPHONE_RATE));
-  std::vector<std::int16_t> samples;
-  const std::size_t rate = static_cast<std::size_t>(found.freq);
-  const std::size_t wanted = length / frameSize * MICROPHONE_RATE / rate;
-  // The stream keeps some of what it was given to itself: silence after the end, which is cut off again.
-  const std::vector<Uint8> silence(frameSize * (rate / 10 + 1), found.silence);
-  const bool converted = stream != nullptr &&
-                         SDL_AudioStreamPut(stream, bytes, static_cast<int>(length)) == 0 &&
-                         SDL_AudioStreamPut(stream, silence.data(), static_cast<int>(silence.size())) == 0 &&
-                         SDL_AudioStreamFlush(stream) == 0;
-  SDL_FreeWAV(bytes);
-  if (converted) {
-    const auto available = static_cast<std::size_t>(SDL_AudioStreamAvailable(stream)) / sizeof(std::int16_t);
-    samples.resize(std::min(available, wanted));
-    SDL_AudioStreamGet(stream, samples.data(), static_cast<int>(samples.size() * sizeof(std::int16_t)));
-  } else {
-    *error = path + ": " + SDL_GetError();
-  }
-  if (stream != nullptr) SDL_FreeAudioStream(stream);
-  if (!converted) return {};
+  const std::optional<std::string> file = programs::readInput(path, FILE_LIMITS, error);
+  std::optional<Recording> recording;
+  if (file) recording = parseWav(*file, error);
+  std::optional<std::vector<std::int16_t>> samples;
+  if (recording) samples = forMicrophone(*recording, error);
+  if (!samples) *error = path + ": " + *error;
   return samples;
 }
 

@@ -38,7 +38,8 @@ bool isOne(const std::string& first, const std::string& second) {
 std::string namedTwice(const std::vector<NamedFile>& files) {
   for (std::size_t i = 0; i < files.size(); ++i) {
     for (std::size_t j = i + 1; j < files.size(); ++j) {
-      if (files[i].path.empty() || files[j].path.empty() || !isOne(files[i].path, files[j].path)) continue;
+      if (files[i].path.empty() || files[j].path.empty() || files[i].word == files[j].word) continue;
+      if (!isOne(files[i].path, files[j].path)) continue;
       return files[i].word + " and " + files[j].word + " name one file, " + files[i].path;
     }
   }

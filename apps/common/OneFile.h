@@ -12,8 +12,8 @@ struct NamedFile {
 };
 
 /// What is wrong if one file is named twice, through whatever spelling or link: "--stats and --snapshot name
-/// one file, PATH". Empty if all are different; a character device, such as a terminal, may serve twice.
-/// Nothing is opened.
+/// one file, PATH". Empty if all are different. What has the same word may be one file, and a character
+/// device, such as a terminal, may serve twice. Nothing is opened.
 std::string namedTwice(const std::vector<NamedFile>& files);
 
 }  // namespace programs

@@ -7,6 +7,9 @@ struct Size {
   int height = 0;
 };
 
+/// Of those that are offered to a phone.
+constexpr Size SMALLEST_PICTURE{800, 480};
+
 struct Point {
   int x = 0;
   int y = 0;

@@ -3,6 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 
+#include "common/OneFile.h"
+#include "headunit/Credentials.h"
+
 namespace headunit {
 namespace {
 
@@ -41,6 +44,30 @@ std::optional<Size> parseSize(const std::string& text) {
   return size;
 }
 
+// What is wrong with margins, or nothing.
+std::string marginsFault(const std::string& text) {
+  const std::optional<Size> margins = parseSize(text);
+  if (!margins) return "'" + text + "' is no WIDTHxHEIGHT";
+  if (margins->width < SMALLEST_PICTURE.width && margins->height < SMALLEST_PICTURE.height) return {};
+  return "'" + text + "' leaves nothing of a picture of " + std::to_string(SMALLEST_PICTURE.width) + "x" +
+         std::to_string(SMALLEST_PICTURE.height) + ", the smallest that a phone may choose";
+}
+
+// What is wrong with the name of a file or a folder, or nothing.
+std::string nameFault(const std::string& text) { return text.empty() ? "an empty name is none" : ""; }
+
+void refuseOneFileForTwo(const Options& options) {
+  std::vector<programs::NamedFile> files = {{"--stats", options.stats},
+                                            {"--snapshot", options.snapshot},
+                                            {"--audio-out", options.audioOut},
+                                            {"--microphone", options.microphone},
+                                            {"--drive", options.drive}};
+  for (const std::string& path : credentialFiles(options.credentials))
+    files.push_back({"--credentials", path});
+  if (const std::string fault = programs::namedTwice(files); !fault.empty())
+    throw CLI::ValidationError(fault + "; give each its own");
+}
+
 void addPeer(CLI::App* app, Options* options, Texts* texts) {
   const auto address = check([](const std::string& text) { return parseAddress(text).has_value(); },
                              "HOST:PORT such as 127.0.0.1:7411");
@@ -53,6 +80,7 @@ void addPeer(CLI::App* app, Options* options, Texts* texts) {
   app->add_option("--credentials", options->credentials,
                   "Folder with root.pem, headunit.pem and headunit.key")
       ->required()
+      ->check(CLI::Validator(nameFault, ""))
       ->type_name("DIR");
   app->add_flag("--once", options->once, "Exit when the link ends, instead of waiting for the next phone");
 }
@@ -60,15 +88,19 @@ void addPeer(CLI::App* app, Options* options, Texts* texts) {
 void addCar(CLI::App* app, Options* options, Texts* texts) {
   app->add_flag("--headless", options->headless,
                 "No window; no sound device either, unless SDL_AUDIODRIVER names one");
-  app->add_option("--margins", texts->margins, "Pixels of each picture's size that the screen does not show")
-      ->check(check([](const std::string& text) { return parseSize(text).has_value(); }, "WIDTHxHEIGHT"))
+  app->add_option("--margins", texts->margins,
+                  "Pixels of each picture's size that the screen does not show, less than 800x480")
+      ->check(CLI::Validator(marginsFault, ""))
       ->type_name("WxH")
       ->capture_default_str();
   app->add_option("--audio-out", options->audioOut, "Write the sound to this file instead of playing it")
+      ->check(CLI::Validator(nameFault, ""))
       ->type_name("FILE.wav");
   app->add_option("--microphone", options->microphone, "Say what is in this file instead of listening")
+      ->check(CLI::Validator(nameFault, ""))
       ->type_name("FILE.wav");
   app->add_option("--drive", options->drive, "Vehicle data to report; a short drive is built in")
+      ->check(CLI::Validator(nameFault, ""))
       ->type_name("FILE.json");
   app->add_option("--touch", texts->touches, "Tap this place of the picture again and again")
       ->check(
@@ -83,12 +115,14 @@ void addCar(CLI::App* app, Options* options, Texts* texts) {
 void addResults(CLI::App* app, Options* options) {
   app->add_option("--snapshot", options->snapshot,
                   "Write the last picture shown, and the strip beside it, to this file")
+      ->check(CLI::Validator(nameFault, ""))
       ->type_name("FILE.png");
   app->add_option("--exit-after-frames", options->exitAfterFrames,
                   "Say good-bye and exit after this many pictures")
       ->check(check(isCount, "whole number of 1 or more"))
       ->type_name("N");
   app->add_option("--stats", options->stats, "Write frames, bytes and latencies to this file")
+      ->check(CLI::Validator(nameFault, ""))
       ->type_name("FILE.json");
   app->add_flag("--verbose", options->verbose, "Log in detail, the library's lines included");
 }
@@ -109,6 +143,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int* exit
   addResults(&app, &options);
   try {
     app.parse(argc, argv);
+    refuseOneFileForTwo(options);
   } catch (const CLI::ParseError& error) {
     *exitStatus = app.exit(error) == 0 ? 0 : 1;
     return {};

@@ -6,8 +6,6 @@
 namespace headunit {
 namespace {
 
-constexpr Size SMALLEST_PICTURE{800, 480};
-
 void note(const Picture& picture) {
   LinkStats& stats = *picture.stats;
   stats.shown(picture.times);

@@ -1,11 +1,8 @@
 #include "headunit/Report.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
-
-#include "headunit/Options.h"
 
 namespace headunit {
 namespace {
@@ -54,32 +51,6 @@ TEST(HeadunitReport, SaysInWordsWhatTheServicesBrought) {
   EXPECT_EQ(inWords(totals),
             "turns 2, songs 0, calls 0, pages of the list 0, notifications 0, requests to the tuner 0, "
             "pairings accepted 0, refused 1");
-}
-
-TEST(HeadunitOptions, AsksBeforePairingAndKeepsTheListShutUnlessToldOtherwise) {
-  int status = -1;
-  const char* const plain[] = {"vantry-headunit", "--credentials", "folder"};
-  const std::optional<Options> usual = parseOptions(3, plain, &status);
-  ASSERT_TRUE(usual);
-  EXPECT_FALSE(usual->autoPair);
-  EXPECT_FALSE(usual->browse);
-  const char* const told[] = {"vantry-headunit", "--credentials", "folder", "--auto-pair", "--browse"};
-  const std::optional<Options> eager = parseOptions(5, told, &status);
-  ASSERT_TRUE(eager);
-  EXPECT_TRUE(eager->autoPair);
-  EXPECT_TRUE(eager->browse);
-}
-
-TEST(HeadunitOptions, SayWhatIsNoNumberOfFrames) {
-  for (const char* const count : {"0", "-3", "1.5", "abc", "", "99999999999999999999"}) {
-    int status = -1;
-    const char* const told[] = {"vantry-headunit", "--credentials", "folder", "--exit-after-frames", count};
-    testing::internal::CaptureStderr();
-    EXPECT_FALSE(parseOptions(5, told, &status)) << count;
-    EXPECT_THAT(testing::internal::GetCapturedStderr(),
-                testing::HasSubstr("'" + std::string(count) + "' is no whole number of 1 or more"));
-    EXPECT_EQ(status, 1);
-  }
 }
 
 }  // namespace

@@ -122,6 +122,10 @@ TEST_F(ProgramFileNames, AreToldOfOneFile) {
             "--a and --d name one file, " + in("one"));
 }
 
+TEST_F(ProgramFileNames, MayBeOneFileIfItsWordIsOne) {
+  EXPECT_EQ(namedTwice({{"--a", make("one", "")}, {"--a", in("one")}}), "");
+}
+
 TEST_F(ProgramFileNames, MayBeSpeltInManyWays) {
   make("one", "");
   fs::create_directory(in("below"));

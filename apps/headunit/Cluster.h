@@ -53,7 +53,7 @@ struct CallView {
 };
 
 struct PhoneView {
-  bool known = false;
+  bool known = false;  ///< the phone has told of it, which not every phone does
   unsigned int signal = 0;
   std::vector<CallView> calls;
   std::string awaited = {};  ///< where a phone is expected, "on HOST:PORT"; empty while one is connected
@@ -101,6 +101,7 @@ struct PairingView {
 /// All that stands beside the picture.
 struct ClusterView {
   const LinkStats* link = nullptr;  ///< of the link that is up, as its pictures have them; null: none is
+  bool ofPhone = false;             ///< a phone is connected, or was and has left this behind
   TurnView turn;
   PlayingView media;
   PhoneView phone;

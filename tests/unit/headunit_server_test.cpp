@@ -109,13 +109,16 @@ TEST_F(HeadunitServer, TurnsASecondPhoneAwayAndGoesOnWithTheFirst) {
 
 TEST_F(HeadunitServer, SaysWhereItWaitsInTheWindowWhileItDoes) {
   EXPECT_EQ(cluster.view().phone.awaited, "on " + address.words());
+  EXPECT_FALSE(cluster.view().ofPhone);
   {
     const FileDescriptor phone = call();
     EXPECT_GT(hear(phone), 0);
     EXPECT_THAT(cluster.view().phone.awaited, IsEmpty());
+    EXPECT_TRUE(cluster.view().ofPhone);
   }
   EXPECT_EQ(waitsFor("the next phone").words(), address.words());
   EXPECT_EQ(cluster.view().phone.awaited, "on " + address.words());
+  EXPECT_TRUE(cluster.view().ofPhone) << "what it has left is still there";
   end();
   EXPECT_THAT(links, SizeIs(1));
 }

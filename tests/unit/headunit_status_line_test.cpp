@@ -39,5 +39,20 @@ TEST(HeadunitStatusLine, TellsOfThePhoneThatHasLeftTheRestOfTheStrip) {
   EXPECT_EQ(drawStrip(view, {384, 720}, TimePoint()).bitmap.pixels, before.pixels);
 }
 
+TEST(HeadunitStatusLine, TellsOfAPhoneThatTellsNothingOfItself) {
+  const Bitmap nobody = drawn("");
+  ClusterView view;
+  view.ofPhone = true;
+  const Bitmap connected = drawStrip(view, {384, 720}, TimePoint()).bitmap;
+  EXPECT_GT(differences(nobody, connected, 0, 37), 100) << "it is not said that there is none";
+  EXPECT_EQ(differences(nobody, connected, 37, 720), 0);
+  view.phone.awaited = "on 127.0.0.1:7411";
+  EXPECT_EQ(drawStrip(view, {384, 720}, TimePoint()).bitmap.pixels, connected.pixels)
+      << "nor when it has left its last picture";
+  view.phone.known = true;
+  EXPECT_GT(differences(connected, drawStrip(view, {384, 720}, TimePoint()).bitmap, 0, 37), 0)
+      << "a signal is not made up";
+}
+
 }  // namespace
 }  // namespace headunit

@@ -47,6 +47,7 @@ void ClusterServices::begin(const LinkStats* link) {
   context_.cluster->change([link](ClusterView& view) {
     view = {};
     view.link = link;
+    view.ofPhone = true;
   });
   keys_->attach(this);
   attached_ = true;

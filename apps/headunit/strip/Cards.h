@@ -18,7 +18,7 @@ using Targets = std::vector<Target>;
 
 // Each draws one part of the strip into its box, and nothing outside of it.
 
-void drawStatus(Brush* brush, Box box, const PhoneView& phone);
+void drawStatus(Brush* brush, Box box, const ClusterView& view);
 void drawTurnCard(Brush* brush, Box box, const TurnView& turn);
 void drawMediaCard(Brush* brush, const Box& box, const PlayingView& media);
 void drawTunerCard(Brush* brush, Box box, const TunerView& tuner);

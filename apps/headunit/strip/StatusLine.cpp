@@ -5,8 +5,10 @@
 namespace headunit::strip {
 namespace {
 
-std::string wordsOn(const PhoneView& phone) {
-  // What a phone has left is only drawn where its last picture is, too.
+// What a phone has left is only drawn where its last picture is, too.
+std::string wordsOn(const ClusterView& view) {
+  const PhoneView& phone = view.phone;
+  if (!phone.known && view.ofPhone) return "PHONE CONNECTED";
   if (!phone.known) return phone.awaited.empty() ? "NO PHONE YET" : "NO PHONE YET " + phone.awaited;
   const std::size_t calls = callsIn(phone.calls);
   if (calls == 0) return "PHONE";
@@ -15,13 +17,15 @@ std::string wordsOn(const PhoneView& phone) {
 
 }  // namespace
 
-void drawStatus(Brush* brush, Box box, const PhoneView& phone) {
+void drawStatus(Brush* brush, Box box, const ClusterView& view) {
   Box bars = box.takeRight(26);
   bars.takeTop(2);
   bars.takeBottom(3);
-  drawSignal(brush, bars, phone.known ? phone.signal : 0, INK, TRACK);
+  // Of a phone that does not tell its signal, it would be wrong to say that it has none.
+  if (view.phone.known || !view.ofPhone)
+    drawSignal(brush, bars, view.phone.known ? view.phone.signal : 0, INK, TRACK);
   box.takeRight(10);
-  brush->text(wordsOn(phone), box, EYEBROW);
+  brush->text(wordsOn(view), box, EYEBROW);
 }
 
 }  // namespace headunit::strip

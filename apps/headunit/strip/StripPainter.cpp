@@ -31,7 +31,7 @@ std::size_t callsShown(const ClusterView& view) {
 
 // From the top and from the bottom; what plays, or what can be played, gets what is left in between.
 void drawParts(Brush* brush, Box box, const ClusterView& view, Targets* targets) {
-  drawStatus(brush, box.takeTop(STATUS_HEIGHT), view.phone);
+  drawStatus(brush, box.takeTop(STATUS_HEIGHT), view);
   box.takeTop(GAP);
   drawTurnCard(brush, box.takeTop(TURN_HEIGHT), view.turn);
   box.takeTop(GAP);

@@ -72,10 +72,7 @@ std::optional<LinkEnd> LinkWatch::endOf(const LinkView& view, TimePoint now) {
     if (isOver(&phoneLeftAt_, limits_.hangUp, now)) return LinkEnd::cleanly("the phone said good-bye");
     return {};
   }
-  if (!news.authentication) {
-    if (hasPassed(started_, limits_.handshake, now)) return handshakeTimeout(view);
-    return {};
-  }
+  if (!news.authentication) return endOfHandshake(view, now);
   if (hasPassed(view.lastHeard, limits_.silence, now)) {
     return LinkEnd{false, "phone",
                    "nothing has come from it for " + seconds(limits_.silence) + ", not even to a ping",
@@ -91,6 +88,17 @@ std::optional<LinkEnd> LinkWatch::endOf(const LinkView& view, TimePoint now) {
                    "for " + seconds(limits_.undecodable) + " no picture could be decoded of its video",
                    "check that it sends H.264 and that its file is whole"};
   }
+  return {};
+}
+
+// Nothing tells of a refusal but the library's lines, so it is looked for now and then. An acceptance follows
+// its line at once.
+std::optional<LinkEnd> LinkWatch::endOfHandshake(const LinkView& view, TimePoint now) {
+  if (!view.news.versionAccepted) {
+    lookAgain_ = std::min(lookAgain_, now + limits_.lastWord);
+    if (hasAnswered(view) && isOver(&refusedAt_, limits_.lastWord, now)) return refusedVersion();
+  }
+  if (hasPassed(started_, limits_.handshake, now)) return handshakeTimeout(view);
   return {};
 }
 

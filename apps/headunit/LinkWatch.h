@@ -18,7 +18,7 @@ struct LinkLimits {
   milliseconds pingEvery{1000};
   milliseconds goodbye{1500};  ///< for the answer to our good-bye
   milliseconds hangUp{1000};   ///< for the phone to close the connection after its own
-  milliseconds lastWord{300};  ///< for an AuthResponse that says no to get out
+  milliseconds lastWord{300};  ///< for a refusal of ours to get out, or for the phone to go after its own
   milliseconds undecodable{4000};
 };
 
@@ -56,6 +56,7 @@ class LinkWatch {
   };
 
   std::optional<LinkEnd> endOf(const LinkView& view, TimePoint now);
+  std::optional<LinkEnd> endOfHandshake(const LinkView& view, TimePoint now);
   LinkEnd endOfStopped(const LinkView& view) const;
   static bool hasAnswered(const LinkView& view);
   LinkEnd handshakeTimeout(const LinkView& view) const;
@@ -70,6 +71,7 @@ class LinkWatch {
   std::optional<TimePoint> leftAt_;
   std::optional<TimePoint> phoneLeftAt_;
   std::optional<TimePoint> beyondRepairAt_;
+  std::optional<TimePoint> refusedAt_;  ///< by the phone
   std::optional<Written> written_;
   TimePoint lookAgain_;
 };

@@ -73,10 +73,26 @@ TEST_F(HeadunitLinkWatch, DoubtsThatAPeerIsAPhoneThatGoesWithoutHavingAnswered) 
   EXPECT_EQ(end.advice, "check that a phone is what connects to this port");
 }
 
-TEST_F(HeadunitLinkWatch, TellsARefusedVersion) {
+TEST_F(HeadunitLinkWatch, DoesNotStayWithAPhoneThatRefusedTheVersion) {
   hearAt(milliseconds(5));
   view.logLines = {"[LHU] handleVersionResponse() :: Phone reported version major=2 minor=0"};
-  EXPECT_THAT(endAt(milliseconds(4000)).what, HasSubstr("refused version 1.0"));
+  const LinkWatch::Verdict verdict = at(milliseconds(5));
+  EXPECT_FALSE(verdict.end) << "it may hang up by itself";
+  EXPECT_EQ(verdict.lookAgain, start + milliseconds(305));
+  const LinkEnd end = endAt(milliseconds(305));
+  EXPECT_FALSE(end.clean);
+  EXPECT_THAT(end.what, HasSubstr("refused version 1.0"));
+}
+
+TEST_F(HeadunitLinkWatch, TakesNoAnswerForARefusalBeforeItCanTell) {
+  view.logLines = {"[LHU] handleVersionResponse() :: Phone reported version major=1 minor=0"};
+  EXPECT_FALSE(at(milliseconds(5)).end);
+  view.news.versionAccepted = true;
+  EXPECT_FALSE(at(milliseconds(305)).end);
+}
+
+TEST_F(HeadunitLinkWatch, LooksForARefusalOfWhichNobodyTells) {
+  EXPECT_EQ(at(milliseconds(0)).lookAgain, start + milliseconds(300));
 }
 
 TEST_F(HeadunitLinkWatch, TellsARefusedVersionThoughThePhoneHasGone) {
@@ -88,6 +104,7 @@ TEST_F(HeadunitLinkWatch, TellsARefusedVersionThoughThePhoneHasGone) {
 }
 
 TEST_F(HeadunitLinkWatch, LooksAgainWhenALimitIsOver) {
+  view.news.versionAccepted = true;
   const LinkWatch::Verdict verdict = at(milliseconds(3500));
   EXPECT_EQ(verdict.lookAgain, start + milliseconds(4000));
 }

@@ -1,5 +1,6 @@
 #include "headunit/services/PlaybackService.h"
 
+#include "headunit_log.h"
 #include "headunit_services.h"
 
 namespace headunit {
@@ -54,6 +55,19 @@ TEST_F(HeadunitPlayback, ShowsThePlayersStateAndKeepsTheSong) {
   status.set_state(MediaPlaybackStatus_State_PAUSED);
   sends(MESSAGE_MEDIA_PLAYBACK_STATUS, status);
   EXPECT_FALSE(view().media.playing);
+}
+
+TEST_F(HeadunitPlayback, SurvivesACoverForWhichThereIsNoMemory) {
+  ImageLoader scarce([](const std::function<void()>&) { throw std::bad_alloc(); }, decode, &cluster);
+  ServiceContext poor = context;
+  poor.images = &scarce;
+  const LoggedLines lines;
+  PlaybackEndpoint service(SERVICE, poor);
+  open(&service);
+  plays("Low Tide", "image");
+  EXPECT_THAT(lines.waitFor("left out"), testing::HasSubstr("service 7 is left out: std::bad_alloc"));
+  plays("High Tide");
+  EXPECT_EQ(view().media.song, "High Tide");
 }
 
 TEST_F(HeadunitPlayback, ShowsTheCoverOfTheSongThatPlaysNow) {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "headunit/services/ServiceContext.h"
+#include "headunit/services/Sparing.h"
 
 namespace headunit {
 
@@ -14,7 +15,7 @@ namespace headunit {
 ///
 /// The host lives as long as the endpoint.
 template <class Endpoint, class Host>
-class Hosted : public Endpoint {
+class Hosted : public Sparing<Endpoint> {
  public:
   template <class... Arguments>
   Hosted(int service, const ServiceContext& context, Arguments&&... arguments)
@@ -35,7 +36,7 @@ class Hosted : public Endpoint {
 
  private:
   Hosted(int service, MessageRouter* messages, Host* host)
-      : Endpoint(service, messages, ::shared_ptr<typename Host::Interface>(host)), host_(host) {
+      : Sparing<Endpoint>(service, messages, ::shared_ptr<typename Host::Interface>(host)), host_(host) {
     host->answerThrough(this);
   }
 

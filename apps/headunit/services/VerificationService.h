@@ -3,6 +3,7 @@
 #include <VantryVerificationVendorExtensionCallbackRouter.h>
 #include <spdlog/spdlog.h>
 
+#include "headunit/services/Sparing.h"
 #include "headunit/services/VerificationHarness.h"
 
 namespace headunit {
@@ -28,7 +29,7 @@ class OrderedRefusals : public IVendorExtensionCallbacks {
 };
 
 /// The verification extension of one link, with its harness.
-class VerificationService : public VantryVerificationVendorExtension {
+class VerificationService : public Sparing<VantryVerificationVendorExtension> {
  public:
   VerificationService(int service, MessageRouter* messages, const VerificationHarness::Car& car)
       : VerificationService(service, messages, new VerificationHarness(car)) {}
@@ -39,8 +40,7 @@ class VerificationService : public VantryVerificationVendorExtension {
 
  private:
   VerificationService(int service, MessageRouter* messages, VerificationHarness* harness)
-      : VantryVerificationVendorExtension(
-            service, messages, ::shared_ptr<IVendorExtensionCallbacks>(new OrderedRefusals(harness))),
+      : Sparing(service, messages, ::shared_ptr<IVendorExtensionCallbacks>(new OrderedRefusals(harness))),
         harness_(harness) {
     harness->answerThrough(this);
   }

@@ -31,6 +31,18 @@ done
 for message in sensor_batch input_report; do tells "\"message\":\"$message\""; done
 for field in speed_e3 latitude_e7 gear night_mode pointer_data; do tells "\"$field\":"; done
 
+[[ $output == *"Its sound has not been played; it is in sound.wav."* ]] || fail "it does not tell of its sound: $output"
+
+# in_window AUDIO_DRIVER WORDS: with a display, the demo says this of its sound, of which there is no file.
+in_window() {
+  output=$(DISPLAY=:0 SDL_VIDEODRIVER=dummy SDL_AUDIODRIVER=$1 "$demo" --programs "$programs" --out "$tmp" --frames 25 2>&1) ||
+    fail "the demo with the sound device '$1': $output"
+  [[ ! -e $tmp/sound.wav ]] || fail "a window and a file of its sound"
+  [[ $output == *"$2"* ]] || fail "with the sound device '$1' it does not say '$2': $output"
+}
+in_window dummy 'Its sound has been played, and is in no file'
+in_window none 'Its sound has not been heard, for want of a sound device'
+
 if output=$("$demo" --headless --programs "$programs" --out "$tmp" --video "$tmp/phone.log" 2>&1); then
   fail "a file that is no video does not end the demo"
 fi

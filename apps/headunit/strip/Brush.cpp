@@ -6,9 +6,10 @@
 #include "headunit/strip/Words.h"
 
 #ifdef __SANITIZE_ADDRESS__
-// Fontconfig finds its patterns by offsets instead of pointers, which a leak checker cannot follow.
+// Fontconfig finds its patterns by offsets instead of pointers, which a leak checker cannot follow. And
+// D-Bus, which SDL asks for, keeps some memory when a window has gone.
 extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\nleak:libdbus\n"; }
 #endif
 
 namespace headunit::strip {

@@ -46,6 +46,7 @@ FileDescriptor signalsToEndBy() {
 }
 
 int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
+  car->openDevices();
   const Screenshots camera(screen);
   if (options.verification) car->allowVerification(&camera);
   Results results({options.stats, options.snapshot}, screen,

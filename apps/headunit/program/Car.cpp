@@ -28,14 +28,13 @@ bool Car::equip(std::string* error) {
   if (const std::string doubts = doubtsAbout(*credentials); !doubts.empty()) {
     spdlog::warn("The phone may refuse this head unit: {}.", doubts);
   }
-  if (!loadDriveData(error) || !openSound(error) || !openMicrophone(error)) return false;
+  if (!loadDriveData(error) || !openSoundFile(error) || !openMicrophoneFile(error)) return false;
   equipment_.credentials = *credentials;
   equipment_.makeDecoder = [] { return std::make_unique<FfmpegDecoder>(); };
   equipment_.slot = &slot_;
   equipment_.budget = &budget_;
   equipment_.margins = options_.margins;
   equipment_.mixer = &mixer_;
-  equipment_.microphone = microphone_.get();
   equipment_.controls = &controls_;
   equipment_.keyCodes = allKeyCodes();
   equipment_.drive = &drive_;
@@ -66,40 +65,43 @@ bool Car::loadDriveData(std::string* error) {
 // complaints.
 bool Car::usesDevices() const { return !options_.headless || std::getenv("SDL_AUDIODRIVER") != nullptr; }
 
-bool Car::openSound(std::string* error) {
-  std::unique_ptr<WavWriter> file;
-  if (!options_.audioOut.empty()) {
-    file = WavWriter::create(options_.audioOut, MIX_RATE, MIX_CHANNELS, error);
-    if (!file) {
-      *error += "; choose another file with --audio-out";
-      return false;
-    }
-  } else if (usesDevices()) {
-    std::string reason;
-    sound_ = openSoundDevice(&mixer_, &reason);
-    if (!sound_) spdlog::warn("There is no sound device ({}); nothing will be heard.", reason);
+bool Car::openSoundFile(std::string* error) {
+  if (options_.audioOut.empty()) return true;
+  std::unique_ptr<WavWriter> file = WavWriter::create(options_.audioOut, MIX_RATE, MIX_CHANNELS, error);
+  if (!file) {
+    *error += "; choose another file with --audio-out";
+    return false;
   }
-  if (!sound_) sound_ = std::make_unique<ClockedOutput>(&mixer_, std::move(file));
+  sound_ = std::make_unique<ClockedOutput>(&mixer_, std::move(file));
   return true;
 }
 
-bool Car::openMicrophone(std::string* error) {
-  if (!options_.microphone.empty()) {
-    std::optional<std::vector<std::int16_t>> samples = readForMicrophone(options_.microphone, error);
-    if (!samples) {
-      *error = "The microphone's file cannot be used: " + *error;
-      return false;
-    }
-    auto recorded = std::make_unique<RecordedMicrophone>(std::move(*samples));
-    microphoneThread_.add(recorded.get());
-    microphoneThread_.start();
-    microphone_ = std::move(recorded);
-  } else if (usesDevices()) {
-    std::string reason;
+bool Car::openMicrophoneFile(std::string* error) {
+  if (options_.microphone.empty()) return true;
+  std::optional<std::vector<std::int16_t>> samples = readForMicrophone(options_.microphone, error);
+  if (!samples) {
+    *error = "The microphone's file cannot be used: " + *error;
+    return false;
+  }
+  auto recorded = std::make_unique<RecordedMicrophone>(std::move(*samples));
+  microphoneThread_.add(recorded.get());
+  microphoneThread_.start();
+  microphone_ = std::move(recorded);
+  return true;
+}
+
+void Car::openDevices() {
+  std::string reason;
+  if (!sound_ && usesDevices()) {
+    sound_ = openSoundDevice(&mixer_, &reason);
+    if (!sound_) spdlog::warn("There is no sound device ({}); nothing will be heard.", reason);
+  }
+  if (!sound_) sound_ = std::make_unique<ClockedOutput>(&mixer_, nullptr);
+  if (!microphone_ && usesDevices()) {
     microphone_ = findMicrophone(&reason);
     if (!microphone_) spdlog::info("There is no microphone: {}.", reason);
   }
-  return true;
+  equipment_.microphone = microphone_.get();
 }
 
 bool Car::finish() {

@@ -17,6 +17,9 @@ class Car {
 
   /// Returns false, with a sentence in `*error`, if something that the user named cannot be used.
   bool equip(std::string* error);
+  /// Before the first link: sound device and microphone, unless files stand for them; the machine may have
+  /// neither. Looking for them can fill a terminal, so whatever else may go wrong comes before.
+  void openDevices();
 
   const Equipment& equipment() const { return equipment_; }
   /// Before the first link, if the phone is to be let: `camera` must stay until the last one.
@@ -31,8 +34,8 @@ class Car {
   bool finish();
 
  private:
-  bool openSound(std::string* error);
-  bool openMicrophone(std::string* error);
+  bool openSoundFile(std::string* error);
+  bool openMicrophoneFile(std::string* error);
   bool loadDriveData(std::string* error);
   bool usesDevices() const;
 

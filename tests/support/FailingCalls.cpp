@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <set>
 #include <stdexcept>
@@ -38,6 +39,14 @@ bool failsNow(const char* name, unsigned long long number = 0) {
   return ++count == failure || failure == FailingCall::EVERY;
 }
 
+/// `call`, if an event can be placed there.
+const char* checked(const char* call) {
+  static const std::set<std::string> detours = {"sem_post",           "sem_wait",     "sched_yield",
+                                                "pthread_mutex_lock", "pthread_join", "operator new"};
+  if (detours.count(call) == 0) throw std::invalid_argument(call);
+  return call;
+}
+
 }  // namespace
 
 FailingCall::FailingCall(const char* name, int which) {
@@ -54,6 +63,7 @@ FailingCall::FailingCall(const char* name, int which) {
                                                 "BIO_set_ssl_renegotiate_timeout",
                                                 "X509_STORE_new",
                                                 "CONF_modules_unload",
+                                                "pthread_mutex_lock",
                                                 "pthread_setschedparam",
                                                 "sched_yield",
                                                 "sem_post",
@@ -72,10 +82,15 @@ int FailingCall::calls() const { return count; }
 unsigned long long FailingCall::number() const { return latest; }
 
 EventAt::EventAt(const char* call, std::function<void()> event, unsigned long long number)
-    : name(call), awaited(number), happens(std::move(event)) {
-  static const std::set<std::string> detours = {"sem_post", "sem_wait", "sched_yield", "pthread_mutex_lock",
-                                                "operator new"};
-  if (detours.count(name) == 0) throw std::invalid_argument(name);
+    : name(checked(call)),
+      awaited(number),
+      happens([event = std::move(event)](unsigned long long) { event(); }),
+      repeats(false) {
+  armed = this;
+}
+
+EventAt::EventAt(const char* call, std::function<void(unsigned long long)> event)
+    : name(checked(call)), awaited(ANY), happens(std::move(event)), repeats(true) {
   armed = this;
 }
 
@@ -86,7 +101,10 @@ void EventAt::reached(const char* call, unsigned long long number) {
   if (now == nullptr || now->name != call) return;
   if (now->awaited != ANY && now->awaited != number) return;
   // Disarmed first: the event makes calls of its own.
-  if (armed.compare_exchange_strong(now, nullptr)) now->happens();
+  const EventAt* none = nullptr;
+  if (!armed.compare_exchange_strong(now, nullptr)) return;
+  now->happens(number);
+  if (now->repeats) armed.compare_exchange_strong(none, now);
 }
 
 }  // namespace test
@@ -103,6 +121,7 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
 
 int __real_pthread_join(pthread_t, void**);
 int __wrap_pthread_join(pthread_t thread, void** result) {
+  test::EventAt::reached("pthread_join", thread);
   return test::failsNow("pthread_join") ? EINVAL : __real_pthread_join(thread, result);
 }
 
@@ -144,7 +163,8 @@ int __wrap_pthread_setschedparam(pthread_t thread, int policy, const sched_param
 int __real_pthread_mutex_lock(pthread_mutex_t*);
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   test::EventAt::reached("pthread_mutex_lock");
-  return __real_pthread_mutex_lock(mutex);
+  const auto address = reinterpret_cast<std::uintptr_t>(mutex);
+  return test::failsNow("pthread_mutex_lock", address) ? EINVAL : __real_pthread_mutex_lock(mutex);
 }
 
 // operator new(std::size_t), as the compilers call it.

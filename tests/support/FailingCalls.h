@@ -29,15 +29,16 @@ class FailingCall {
 
   /// The number that the latest call was about: for sem_wait the semaphore's count as it was before, for
   /// SSL_CTX_set_options the options, for BIO_set_ssl_renegotiate_timeout the seconds, for
-  /// pthread_setschedparam the policy times 1000 and the priority.
+  /// pthread_setschedparam the policy times 1000 and the priority, for pthread_mutex_lock the mutex's
+  /// address.
   unsigned long long number() const;
 };
 
 /// Does something in the midst of an operation, for which another thread would have to be lucky: the next
 /// `call` that is about `number`, on whichever thread, runs `event`. sem_post runs it once it has posted; the
-/// others, sem_wait, sched_yield, pthread_mutex_lock and "operator new" (about that many bytes), before
-/// anything else. The latest one counts. To be destroyed when no other thread is at such a call any more.
-/// Throws std::invalid_argument for a call that takes no detour.
+/// others, sem_wait, sched_yield, pthread_mutex_lock, pthread_join (about that thread) and "operator new"
+/// (about that many bytes), before anything else. The latest one counts. To be destroyed when no other thread
+/// is at such a call any more. Throws std::invalid_argument for a call that takes no detour.
 class EventAt {
  public:
   static constexpr unsigned long long ANY = ~0ULL;
@@ -47,18 +48,30 @@ class EventAt {
   EventAt(const EventAt&) = delete;
   EventAt& operator=(const EventAt&) = delete;
 
-  /// For the detours: `call` is being made. Runs the event that waits for it, if there is one, once.
+  /// For the detours: `call` is being made. Runs the event that waits for it, if there is one.
   static void reached(const char* call, unsigned long long number = ANY);
+
+ protected:
+  /// What each such call runs, told what it is about.
+  EventAt(const char* call, std::function<void(unsigned long long)> event);
 
  private:
   const std::string name;
   const unsigned long long awaited;
-  const std::function<void()> happens;
+  const std::function<void(unsigned long long)> happens;
+  const bool repeats;
 };
 
 /// The same in the midst of an operation that queues.
 struct EventAtPost : EventAt {
   explicit EventAtPost(std::function<void()> event) : EventAt("sem_post", std::move(event)) {}
+};
+
+/// The same at each `call` for as long as this object lives, but for those that `event` itself makes. It is
+/// told the number that the call is about.
+struct EventAtEach : EventAt {
+  EventAtEach(const char* call, std::function<void(unsigned long long)> event)
+      : EventAt(call, std::move(event)) {}
 };
 
 }  // namespace test

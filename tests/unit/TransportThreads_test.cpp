@@ -1,4 +1,5 @@
 #include "EndpointTest.h"
+#include "FailingCalls.h"
 #include "MemoryTransport.h"
 #include "RecordingEndpoint.h"
 
@@ -203,15 +204,34 @@ TEST_F(TransportThreadsTest, AStopBeforeTheStartEndsBothThreadsAtOnce) {
   EXPECT_EQ(transport.writes(), 0);
 }
 
-TEST_F(TransportThreadsTest, WaitForExitJoinsTheReaderFirst) {
+TEST_F(TransportThreadsTest, WaitForExitJoinsTheReaderAndSaysSoBeforeItJoinsTheWriter) {
+  pthread_t writer{};
+  transport.cutsWrites([&writer] {
+    writer = pthread_self();
+    return SIZE_MAX;
+  });
   transport.start();
+  link.receiver().start();
+  transport.waitsForBytes();
   transport.requestStop();
-  transport.waitForExit();
-  std::vector<std::string> joined;
-  for (const std::string& line : log.debug()) {
-    if (line.find("joined") != std::string::npos) joined.push_back(line);
+
+  std::vector<std::string> events;
+  const auto takesLines = [&] {
+    for (const std::string& line : log.debug()) {
+      if (line.find("joined") != std::string::npos) events.push_back(line);
+    }
+    log.clear();
+  };
+  {
+    const EventAtEach joins("pthread_join", [&](unsigned long long thread) {
+      takesLines();
+      events.push_back(pthread_equal(thread, writer) ? "join the writer" : "join the reader");
+    });
+    transport.waitForExit();
   }
-  EXPECT_THAT(joined, ElementsAre("[LHU] Reader thread joined", "[LHU] Writer thread joined"));
+  takesLines();
+  EXPECT_THAT(events, ElementsAre("join the reader", "[LHU] Reader thread joined", "join the writer",
+                                  "[LHU] Writer thread joined"));
 }
 
 TEST_F(TransportThreadsTest, TheLargestFrameIsRead) {

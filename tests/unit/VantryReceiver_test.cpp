@@ -182,6 +182,25 @@ TEST(VantryReceiverShutdownTest, TheRouterForgetsTheChannelsAndTheyTheirFrames) 
   EXPECT_EQ(channels->registerChannel(0, 0), STATUS_SUCCESS);
 }
 
+TEST(VantryReceiverShutdownTest, LogsThenEndsTheRouterThenTheChannelsThenTls) {
+  LogCapture log;
+  VantryReceiver receiver;
+  receiver.init(shared_ptr<IControllerCallbacks>(new MockControllerCallbacks()));
+  ChannelManager* const channels = receiver.messageRouter()->manager();
+  std::vector<std::string> done;  // at each lock on the way: the log's, the channels', and OpenSSL's
+  const EventAtEach locks("pthread_mutex_lock", [&](unsigned long long) {
+    std::string now = log.all().empty() ? "nothing" : "log";
+    if (receiver.messageRouter()->manager() == nullptr) now += ", router";
+    if (channels->registerChannel(0, 0) == STATUS_SUCCESS) {
+      channels->unregisterChannel(0);
+      now += ", channels";
+    }
+    if (done.empty() || done.back() != now) done.push_back(now);
+  });
+  receiver.shutdown();
+  EXPECT_THAT(done, ElementsAre("nothing", "log, router", "log, router, channels"));
+}
+
 TEST(VantryReceiverShutdownTest, OneReceiverAfterAnotherBringsItsLinkUp) {
   for (int i = 0; i < 3; ++i) {
     SecureLink link;

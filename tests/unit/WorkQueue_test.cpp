@@ -342,6 +342,23 @@ TEST_F(WorkQueueTest, WithoutOneThreadTheOthersServeTheQueue) {
   EXPECT_THAT(log.all(), IsEmpty());
 }
 
+TEST_F(WorkQueueTest, QueueingReleasesItsLockBeforeItWakesAThread) {
+  WorkQueue queue(0);
+  const shared_ptr<WorkItem> first = item([] {});
+  const FailingCall locks("pthread_mutex_lock", FailingCall::NEVER);
+  int taken = -1;
+  int tried = -1;
+  const EventAtPost raised([&] {
+    taken = locks.calls();
+    auto* const latest = reinterpret_cast<pthread_mutex_t*>(locks.number());
+    if (latest != nullptr) tried = pthread_mutex_trylock(latest);
+    if (tried == 0) pthread_mutex_unlock(latest);
+  });
+  EXPECT_TRUE(queue.queueWork(first));
+  EXPECT_EQ(taken, 1);
+  EXPECT_EQ(tried, 0) << "the thread that wakes would find it held";
+}
+
 TEST_F(WorkQueueTest, DequeueingTakesTheOldestItem) {
   WorkQueue queue(0);
   const shared_ptr<WorkItem> first = item([] {});

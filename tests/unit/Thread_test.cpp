@@ -10,6 +10,7 @@
 #include "FailingCalls.h"
 #include "LogCapture.h"
 #include "Semaphore.h"
+#include "ThreadDefaults.h"
 
 namespace test {
 namespace {
@@ -121,6 +122,20 @@ TEST_F(ThreadTest, DestructionAfterAJoinIsSilent) {
 TEST_F(ThreadTest, YieldPassesOnTheResultOfThePlatform) {
   Worker worker;
   EXPECT_EQ(worker.yield(), 0);
+  const FailingCall failing("sched_yield");
+  EXPECT_EQ(worker.yield(), -1);
+  EXPECT_EQ(failing.calls(), 1);
+}
+
+TEST_F(ThreadTest, IsGivenNeitherANameNorAPriority) {
+  const ThreadDefaults defaults;
+  Worker worker;
+  EXPECT_TRUE(worker.start());
+  while (!worker.running.down()) {
+  }
+  defaults.expectOf(worker.id());
+  worker.letGo.up();
+  EXPECT_TRUE(worker.join());
 }
 
 /// A worker that is known to run.

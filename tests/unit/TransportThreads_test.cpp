@@ -2,6 +2,8 @@
 #include "FailingCalls.h"
 #include "MemoryTransport.h"
 #include "RecordingEndpoint.h"
+#include "Semaphore.h"
+#include "ThreadDefaults.h"
 
 // The reader and the writer at work.
 
@@ -202,6 +204,27 @@ TEST_F(TransportThreadsTest, AStopBeforeTheStartEndsBothThreadsAtOnce) {
   transport.waitForExit();
   EXPECT_EQ(transport.reads(), 0);
   EXPECT_EQ(transport.writes(), 0);
+}
+
+TEST_F(TransportThreadsTest, AreGivenNeitherANameNorAPriority) {
+  const ThreadDefaults defaults;
+  Semaphore atWork;
+  pthread_t reader{};
+  pthread_t writer{};
+  const auto tells = [&atWork](pthread_t* thread) {
+    return [&atWork, thread] {
+      *thread = pthread_self();
+      atWork.up();
+      return SIZE_MAX;
+    };
+  };
+  transport.cutsReads(tells(&reader));
+  transport.cutsWrites(tells(&writer));
+  transport.start();
+  link.receiver().start();
+  for (int threads = 0; threads < 2;) threads += atWork.down();
+  defaults.expectOf(reader);
+  defaults.expectOf(writer);
 }
 
 TEST_F(TransportThreadsTest, WaitForExitJoinsTheReaderAndSaysSoBeforeItJoinsTheWriter) {

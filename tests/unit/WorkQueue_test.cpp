@@ -13,6 +13,7 @@
 
 #include "FailingCalls.h"
 #include "LogCapture.h"
+#include "ThreadDefaults.h"
 
 namespace test {
 namespace {
@@ -100,6 +101,19 @@ TEST_F(WorkQueueTest, RunsItemsOnThreadsOfItsOwnSideBySide) {
   queue.shutdown();
   EXPECT_FALSE(pthread_equal(threads[0], threads[1]));
   EXPECT_FALSE(pthread_equal(threads[0], pthread_self()));
+}
+
+TEST_F(WorkQueueTest, GivesItsThreadsNeitherANameNorAPriority) {
+  const ThreadDefaults defaults;
+  WorkQueue queue(1);
+  queue.start();
+  Semaphore letGo;
+  pthread_t thread{};
+  queue.queueWork(item([&] { thread = pthread_self(), ran.up(), wait(letGo); }));
+  wait(ran);
+  defaults.expectOf(thread);
+  letGo.up();
+  queue.shutdown();
 }
 
 TEST_F(WorkQueueTest, AnItemMayQueueAnother) {

@@ -206,6 +206,37 @@ TEST_F(TransportThreadsTest, AStopBeforeTheStartEndsBothThreadsAtOnce) {
   EXPECT_EQ(transport.writes(), 0);
 }
 
+/// Stops in a callback of the host, to which the message with this type and body leads.
+struct StopInACallbackTest : TransportThreadsTest, testing::WithParamInterface<const char*> {};
+
+TEST_P(StopInACallbackTest, IsTheLastThatTheReaderDoes) {
+  MockControllerCallbacks& host = link.host();
+  int heard = 0;  // the reader's, until it has ended
+  const auto stops = [&] {
+    ++heard;
+    transport.requestStop();
+  };
+  ON_CALL(host, pingResponse).WillByDefault(stops);
+  ON_CALL(host, byeByeResponse).WillByDefault(stops);
+  ON_CALL(host, navigationFocusRequest).WillByDefault(stops);
+  ON_CALL(host, audioFocusRequest).WillByDefault(stops);
+  ON_CALL(host, voiceSessionNotification).WillByDefault(stops);
+  const Bytes message = frame(0, ATOMIC | ENCRYPTED, bytes(GetParam()));
+  EXPECT_CALL(host, unrecoverableError()).Times(0);
+  readsAll(message + message);
+  EXPECT_EQ(heard, 1) << "something was heard after the stop";
+  EXPECT_EQ(transport.reads(), 2) << "of one header and what is behind it";
+  EXPECT_EQ(transport.aborts(), 1);
+  EXPECT_THAT(log.debug(), Contains("[LHU] Reader thread exiting."));
+  EXPECT_THAT(log.debug(), Not(Contains("[LHU] Reader thread shutting down on request.")));
+}
+
+INSTANTIATE_TEST_SUITE_P(PingResponse, StopInACallbackTest, testing::Values("00 0C 08 01"));
+INSTANTIATE_TEST_SUITE_P(NavigationFocusRequest, StopInACallbackTest, testing::Values("00 0D 08 01"));
+INSTANTIATE_TEST_SUITE_P(ByeByeResponse, StopInACallbackTest, testing::Values("00 10"));
+INSTANTIATE_TEST_SUITE_P(VoiceSessionNotification, StopInACallbackTest, testing::Values("00 11 08 01"));
+INSTANTIATE_TEST_SUITE_P(AudioFocusRequest, StopInACallbackTest, testing::Values("00 12 08 01"));
+
 TEST_F(TransportThreadsTest, AreGivenNeitherANameNorAPriority) {
   const ThreadDefaults defaults;
   Semaphore atWork;

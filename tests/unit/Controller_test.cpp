@@ -35,6 +35,15 @@ TEST_F(ControllerTest, APingWithoutABugReportAsksForNone) {
               ElementsAre(bytes("00 0C 08 FF FF FF FF FF FF FF FF FF 01")));
 }
 
+TEST_F(ControllerTest, TheAnswerToAPingIsFlaggedForEncryption) {
+  link.sends(0, bytes("00 0B 08 AC 02"));
+  EXPECT_THAT(link.sentFrames(), ElementsAre(bytes("00"     // channel 0
+                                                   "0B"     // FRAME_ATOMIC, encrypted, no control frame
+                                                   "00 05"  // length
+                                                   "00 0C"  // MESSAGE_PING_RESPONSE
+                                                   "08 AC 02")));  // timestamp 300
+}
+
 TEST_F(ControllerTest, APingResponseIsToldToTheHost) {
   EXPECT_CALL(host, pingResponse(300));
   EXPECT_THAT(answerTo("00 0C 08 AC 02"), IsEmpty());

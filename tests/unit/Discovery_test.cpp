@@ -56,6 +56,16 @@ TEST_F(DiscoveryTest, IdentityThatWasNotGivenIsSentEmpty) {
       << "and nothing of native media";
 }
 
+TEST_F(DiscoveryTest, TheAnswerIsFlaggedForEncryption) {
+  link.sends(0, bytes("00 05"));
+  EXPECT_THAT(link.sentFrames(), ElementsAre(bytes("00"     // channel 0
+                                                   "0B"     // FRAME_ATOMIC, encrypted, no control frame
+                                                   "00 14"  // length
+                                                   "00 06"
+                                                   "12 00 1A 00 22 00 2A 00 30 00"
+                                                   "3A 00 42 00 4A 00 52 00")));
+}
+
 TEST_F(DiscoveryTest, TellsTheIdentityAndTheServices) {
   RecordingEndpoint late(9, link.router());
   RecordingEndpoint early(2, link.router());

@@ -29,6 +29,16 @@ TEST_F(VersionTest, TheHeadUnitAsksFirstInTheClear) {
               ElementsAre("critical [LHU] sendVersionRequest() :: Starting link, car major=1 minor=0"));
 }
 
+TEST_F(VersionTest, TheRequestIsQueuedBeforeItIsLogged) {
+  int queued = 0;
+  const EventAtPost post([&] {
+    ++queued;
+    EXPECT_THAT(log.all(), IsEmpty());
+  });
+  link.receiver().start();
+  EXPECT_EQ(queued, 1);
+}
+
 TEST_F(VersionTest, OnAChannelThatThePhoneHasClosedNothingIsSentThoughItsNumberIsTaken) {
   link.closes(0);
   EXPECT_EQ(link.channels().registerChannel(0, 0), STATUS_SUCCESS);
@@ -70,6 +80,25 @@ TEST_F(VersionTest, AfterARefusalDiscoveryIsUnexpected) {
   EXPECT_THAT(link.sent(0), ElementsAre(unexpectedMessage()));
 }
 
+TEST_F(VersionTest, TheLatestVerdictCounts) {
+  const Bytes accepted = frame(0, ATOMIC, bytes("00 02 00 01 00 00 00"));
+  const Bytes refused = frame(0, ATOMIC, bytes("00 02 00 01 00 00 01"));
+  const Bytes discovery = frame(0, ATOMIC, bytes("00 05"));
+  testing::MockFunction<void()> acceptedAgain;
+  InSequence order;
+  EXPECT_CALL(acceptedAgain, Call);
+  EXPECT_CALL(link.host(), serviceDiscoveryRequest);
+
+  link.feeds(accepted);
+  link.feeds(refused);
+  link.feeds(discovery);
+  EXPECT_THAT(link.sent(0), ElementsAre(unexpectedMessage()));
+
+  acceptedAgain.Call();
+  link.feeds(accepted);
+  link.feeds(discovery);
+}
+
 TEST_F(VersionTest, BeforeAVersionDiscoveryIsUnexpected) {
   EXPECT_CALL(link.host(), serviceDiscoveryRequest).Times(0);
   link.feeds(frame(0, ATOMIC, bytes("00 05")));
@@ -106,6 +135,26 @@ TEST_F(HandshakeTest, AnAcceptedVersionIsToldToTheHostBeforeTheHandshakeBegins) 
   EXPECT_EQ(parseFrame(wire[0]).flags, ATOMIC) << "plain";
   EXPECT_EQ(part(parseFrame(wire[0]).payload, 0, 4), bytes("00 03"     // MESSAGE_SSL_HANDSHAKE
                                                            "16 03"));  // a handshake record of TLS
+}
+
+TEST_F(HandshakeTest, ItsStepsAreLoggedBeforeTheFirstFlightIsQueued) {
+  std::vector<std::string> lines;
+  const EventAtPost queued([&] { lines = log.all(); });
+  link.acceptsVersion();
+  EXPECT_THAT(lines, ElementsAre(StartsWith("critical [LHU] handleVersionResponse()"),
+                                 MatchesRegex("critical \\[LHU\\] ssl state=[^,]+, ret: -1, err: 2")));
+}
+
+TEST_F(HandshakeTest, ItsSecondFlightLeavesInTheClearToo) {
+  link.acceptsVersion();
+  link.sendsHandshake(link.nextFlight());
+  const std::vector<Bytes> wire = link.sentFrames();
+  ASSERT_EQ(wire.size(), 1U);
+  const WireFrame flight = parseFrame(wire[0]);
+  EXPECT_EQ(flight.channel, 0);
+  EXPECT_EQ(flight.flags, ATOMIC) << "plain";
+  EXPECT_EQ(part(flight.payload, 0, 4), bytes("00 03"     // MESSAGE_SSL_HANDSHAKE
+                                              "16 03"));  // a handshake record of TLS
 }
 
 TEST_F(HandshakeTest, EndsWithAnAuthResponseInTheClear) {
@@ -157,6 +206,22 @@ TEST_F(HandshakeTest, ASecondVersionResponseBeginsTheHandshakeAgain) {
   EXPECT_THAT(log.critical(), ElementsAre(StartsWith("[LHU] handleVersionResponse()"),
                                           MatchesRegex("\\[LHU\\] ssl state=.*, ret: -1, err: 2")));
   EXPECT_EQ(link.sentFrames().size(), 1U) << "OpenSSL has nothing to add to what it has said";
+}
+
+TEST_F(HandshakeTest, ASecondVersionResponseAfterSuccessFindsItDoneAndSendsNothing) {
+  EXPECT_CALL(host, versionResponse(1, 0)).Times(2);
+  EXPECT_CALL(host, authenticationCompleted(STATUS_SUCCESS)).Times(1);
+  EXPECT_CALL(host, unrecoverableError()).Times(0);
+  link.bringUp();
+  log.clear();
+  link.acceptsVersion();
+  EXPECT_THAT(log.all(), ElementsAre(StartsWith("critical [LHU] handleVersionResponse()"),
+                                     MatchesRegex("critical \\[LHU\\] ssl state=[^,]+, ret: 1, err: 0"),
+                                     StartsWith("critical [LHU] SSL version=TLSv1.2 ")));
+  EXPECT_THAT(link.sentFrames(), IsEmpty());
+
+  EXPECT_CALL(host, byeByeResponse());
+  EXPECT_EQ(link.sendsEncrypted(0, bytes("00 10")), STATUS_SUCCESS) << "the link goes on";
 }
 
 TEST_F(HandshakeTest, IsNotHeldBackByTheVersion) {

@@ -168,6 +168,35 @@ TEST_F(ChannelControlTest, ACloseNotificationFreesTheChannel) {
   EXPECT_EQ(link.opens(8, 3), STATUS_SUCCESS);
 }
 
+/// Notes what would become of a message and of an open request while it hears that its channel closes.
+struct ClosingEndpoint : RecordingEndpoint {
+  using RecordingEndpoint::RecordingEndpoint;
+  bool onChannelClosed(unsigned char channel) override {
+    const bool known = RecordingEndpoint::onChannelClosed(channel);
+    const shared_ptr<IoBuffer> message(new IoBuffer(2));
+    std::fill(message->data, message->data + 2, static_cast<unsigned char>(0x80));
+    delivered = router->routeMessage(channel, message);
+    ChannelOpenRequest request;
+    request.set_priority(0);
+    request.set_service_id(4);
+    opened = router->handleChannelOpenReq(channel, request);
+    return known;
+  }
+  int delivered = -1;
+  int opened = STATUS_SUCCESS;
+};
+
+TEST_F(ChannelControlTest, AServiceLearnsThatItsChannelClosesWhileTheChannelIsStillMapped) {
+  ClosingEndpoint closing(5, link.router());
+  link.registers(&closing);
+  link.opens(9, 5);
+  EXPECT_EQ(link.closes(9), STATUS_SUCCESS);
+  EXPECT_EQ(closing.delivered, STATUS_SUCCESS);
+  EXPECT_THAT(closing.events, ElementsAre("opened 9", "closed 9", "message 32896 on 9"));
+  EXPECT_EQ(closing.opened, STATUS_INVALID_CHANNEL);
+  EXPECT_FALSE(link.router()->closeChannel(9)) << "no longer mapped";
+}
+
 TEST_F(ChannelControlTest, ACloseNotificationOnAFreeChannelIsInvalid) {
   EXPECT_EQ(link.closes(7), STATUS_INVALID_CHANNEL);
   EXPECT_TRUE(link.channels().isRunning());

@@ -1,6 +1,7 @@
 #include "MessageRouter.h"
 
 #include "EndpointTest.h"
+#include "FailingCalls.h"
 #include "RecordingEndpoint.h"
 
 // Whole messages on their way to and from the services. Opening and closing is in ChannelControl_test.cpp.
@@ -76,6 +77,14 @@ TEST_F(MessageRouterTest, AnUnexpectedMessageIsAnsweredOnItsChannelAndLogged) {
                                                    "0B"         // FRAME_ATOMIC, encrypted, no control frame
                                                    "00 02"      // length
                                                    "00 FF")));  // MESSAGE_UNEXPECTED_MESSAGE, no body
+}
+
+TEST_F(MessageRouterTest, AnUnexpectedMessageIsLoggedBeforeTheAnswerIsQueued) {
+  service.answer = STATUS_UNEXPECTED_MESSAGE;
+  std::vector<std::string> lines;
+  const EventAtPost queued([&] { lines = log.all(); });
+  router.routeMessage(3, buffer(bytes("80 05")));
+  EXPECT_THAT(lines, ElementsAre("critical [LHU] Sending unexpected message on channel 3"));
 }
 
 TEST_F(MessageRouterTest, ARawServiceCanFindAMessageUnexpectedToo) {
@@ -183,6 +192,18 @@ TEST_F(MessageRouterTest, AfterShutdownASendIsDropped) {
   EXPECT_EQ(router.queueOutgoing(3, data.data(), 2), STATUS_INVALID_CHANNEL);
   EXPECT_EQ(service.sendMessage(data.data(), 2), STATUS_INVALID_CHANNEL);
   EXPECT_THAT(link.sentFrames(), IsEmpty());
+}
+
+TEST_F(MessageRouterTest, ShutdownForgetsNeitherServicesNorMappings) {
+  EXPECT_CALL(link.host(), unrecoverableError());
+  RecordingEndpoint second(1, link.router());
+  router.shutdown();
+  EXPECT_EQ(router.routeMessage(3, buffer(bytes("80 05"))), STATUS_SUCCESS);
+  EXPECT_EQ(router.routeMessage(4, buffer(bytes("80 06"))), STATUS_SUCCESS);
+  EXPECT_THAT(service.messages, ElementsAre(bytes("80 05")));
+  EXPECT_THAT(rawService.messages, ElementsAre(bytes("80 06")));
+  EXPECT_FALSE(router.registerService(&second)) << "the id is taken";
+  router.unrecoverableError();
 }
 
 TEST_F(MessageRouterTest, ServiceIdsAreAdvertisedInAscendingOrderHoweverTheyWereRegistered) {

@@ -1,48 +1,13 @@
-#include <gtest/gtest.h>
+#include "enumerations.h"
 
-#include <ostream>
-#include <string>
-#include <vector>
-
-#include "protos.pb.h"
-
-// The numbers of the services' enumerations, which both ends of the link have to agree upon.
+// The enumerations of the smaller services.
 
 namespace test {
 namespace {
 
-struct Enumerator {
-  int constant;
-  int number;
-};
+struct ServiceEnumerations : EnumerationTest {};
 
-struct Enumeration {
-  const char* name;
-  bool (*isValid)(int);
-  std::vector<Enumerator> all;
-};
-
-void PrintTo(const Enumeration& enumeration, std::ostream* out) { *out << enumeration.name; }
-
-struct ServiceEnumerations : testing::TestWithParam<Enumeration> {
-  static bool isTold(int number) {
-    for (const Enumerator& one : GetParam().all) {
-      if (one.number == number) return true;
-    }
-    return false;
-  }
-  static void expectNoOtherFrom(int first, int last) {
-    for (int number = first; number <= last; ++number) {
-      EXPECT_EQ(GetParam().isValid(number), isTold(number)) << number;
-    }
-  }
-};
-
-TEST_P(ServiceEnumerations, HasTheseNumbersAndNoOther) {
-  for (const Enumerator& one : GetParam().all) EXPECT_EQ(one.constant, one.number);
-  expectNoOtherFrom(-1, 40);
-  expectNoOtherFrom(0x7FFF, 0x8028);
-}
+TEST_P(ServiceEnumerations, HasTheseNumbersAndNoOther) { expectTheseNumbersAndNoOther(); }
 
 using Playback = MediaPlaybackStatus;
 using Action = InstrumentClusterInput;
@@ -158,8 +123,6 @@ const Enumeration MESSAGES[] = {
       {MESSAGE_GENERIC_NOTIFICATION_MESSAGE, 0x8003},
       {MESSAGE_GENERIC_NOTIFICATION_ACK, 0x8004}}},
 };
-
-std::string nameOf(const testing::TestParamInfo<Enumeration>& info) { return info.param.name; }
 
 INSTANTIATE_TEST_SUITE_P(Values, ServiceEnumerations, testing::ValuesIn(VALUES), nameOf);
 INSTANTIATE_TEST_SUITE_P(Messages, ServiceEnumerations, testing::ValuesIn(MESSAGES), nameOf);

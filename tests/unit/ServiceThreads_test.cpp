@@ -13,6 +13,7 @@
 #include "RecordingEndpoint.h"
 #include "ServiceTest.h"
 #include "VendorExtension.h"
+#include "VideoSink.h"
 
 // What a host may do on any thread, done on many at once while the phone keeps the reader thread busy.
 // Sensors and input have threads in tests of their own.
@@ -31,7 +32,8 @@ struct DeafHost : IBluetoothCallbacks,
                   IPhoneStatusCallbacks,
                   IMediaBrowserCallbacks,
                   IVendorExtensionCallbacks,
-                  IAudioSinkCallbacks {
+                  IAudioSinkCallbacks,
+                  IVideoSinkCallbacks {
   void pairingRequest(std::string const&, int) override {}
   bool setStation(int, bool*, RdsData*) override { return true; }
   void powerOff() override {}
@@ -53,6 +55,8 @@ struct DeafHost : IBluetoothCallbacks,
   int setup(int) override { return STATUS_SUCCESS; }
   void playbackStart(int) override {}
   void playbackStop(int) override {}
+  void mediaConfiguration(int) override {}
+  void videoFocusRequest(int, int) override {}
 };
 
 template <class Interface>
@@ -152,6 +156,9 @@ INSTANTIATE_TEST_SUITE_P(
                     operation<MediaBrowserEndpoint, IMediaBrowserCallbacks>(
                         "BrowserAction", [](auto* it) { it->reportAction("A", 5); },
                         "80 06 0A 02 08 05 12 01 41", "80 02 0A 04 0A 00 12 00"),
+                    operation<VideoSink, IVideoSinkCallbacks>(
+                        "VideoFocus", [](auto* it) { it->setVideoFocus(2, true); }, "80 08 08 02 10 01",
+                        "80 07 10 01 18 02"),
                     operation<Pipe, IVendorExtensionCallbacks>(
                         "VendorData",
                         [](auto* it) {

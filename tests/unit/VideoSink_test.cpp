@@ -53,6 +53,21 @@ TEST_F(VideoSinkTest, DiscoveryListsEveryConfigurationWithAllItsFields) {
                   "08 03 10 02 18 0A 20 AC 02 28 00"));  // 1920x1080, 30, margins 10 and 300, density 0
 }
 
+TEST_F(VideoSinkTest, NegativeNumbersOfAConfigurationArriveAsLargeOnes) {
+  sink.addSupportedConfiguration(2, 30, -1, -2, -2147483647 - 1);
+  EXPECT_EQ(message(MESSAGE_SERVICE_DISCOVERY_RESPONSE, discovery()),
+            bytes("00 06"
+                  "0A 1E"                 // services
+                  "08 01"                 // id 1
+                  "1A 1A"                 // media_sink_service
+                  "08 03"                 // available_type: video
+                  "22 16"                 // video_configs
+                  "08 02 10 02"           // 1280x720, 30
+                  "18 FF FF FF FF 0F"     // width_margin 4294967295
+                  "20 FE FF FF FF 0F"     // height_margin 4294967294
+                  "28 80 80 80 80 08"));  // density 2147483648
+}
+
 TEST_F(VideoSinkTest, DiscoveryTellsTheCodecThatWasSet) {
   sink.setCodecType(MEDIA_CODEC_4);
   EXPECT_EQ(discovery().services(0).media_sink_service().available_type(), MEDIA_CODEC_4);
@@ -70,10 +85,19 @@ TEST_F(VideoSinkTest, SetupIsToldToTheHostAndThenAnsweredWithConfig) {
   sink.addSupportedConfiguration(1, 60, 0, 0, 0);
   EXPECT_CALL(host, setup(3)).WillOnce([&] {
     EXPECT_THAT(link.sent(3), IsEmpty());
-    return STATUS_INVALID_STATE;  // ignored
+    return STATUS_SUCCESS;
   });
   link.sends(3, bytes("80 00 08 03"));
   EXPECT_THAT(link.sent(3), ElementsAre(bytes("80 03 08 02 10 01 18 00")));
+}
+
+TEST_F(VideoSinkTest, TheHostCannotRefuseASetup) {
+  sink.setGrantFocusOnSetup(true);
+  for (const int result : {int{STATUS_INVALID_STATE}, -1, 1, 2147483647}) {
+    EXPECT_CALL(host, setup(3)).WillRepeatedly(Return(result));
+    EXPECT_EQ(sink.handleSetup(3), STATUS_SUCCESS) << result;
+    EXPECT_THAT(link.sent(3), ElementsAre(bytes("80 03 08 02 10 01"), bytes("80 08 08 01 10 01"))) << result;
+  }
 }
 
 TEST_F(VideoSinkTest, WhereFocusIsGrantedOnSetupItFollowsConfig) {

@@ -89,6 +89,25 @@ TEST_F(ChannelTableTest, InitForgetsAllChannelsAndRunsAgain) {
   EXPECT_EQ(channels.registerChannel(0, 0), STATUS_SUCCESS);
 }
 
+TEST_F(ChannelTableTest, InitHasTheTurnsBeginAtChannelZeroAgain) {
+  const auto queuesOn = [&](std::initializer_list<unsigned char> numbers) {
+    for (const unsigned char number : numbers) {
+      channels.registerChannel(number, 0);
+      channels.queueOutgoing(number, false, bytes("80 00").data(), 2);
+    }
+  };
+  const auto served = [&] {
+    std::vector<int> numbers;
+    for (const Bytes& wire : link.sentFrames()) numbers.push_back(parseFrame(wire).channel);
+    return numbers;
+  };
+  queuesOn({5});
+  EXPECT_THAT(served(), ElementsAre(5)) << "the next turn would be that of channel 6";
+  channels.init(link.router());
+  queuesOn({6, 255, 0});
+  EXPECT_THAT(served(), ElementsAre(0, 6, 255));
+}
+
 TEST_F(ChannelTableTest, PrepareShutdownStopsBeforeItWakesTheWriter) {
   bool running = true;
   const EventAtPost woken([&] { running = channels.isRunning(); });
@@ -182,6 +201,18 @@ TEST_F(CuttingTest, AllFramesShareOneCopyOfTheMessage) {
   for (std::size_t i = 0; i < pieces.size(); ++i) {
     EXPECT_EQ(pieces[i]->buffer, copy);
     EXPECT_EQ(pieces[i]->payload, copy->data + i * 16128);
+  }
+}
+
+TEST_F(CuttingTest, TheCopyHasTheMessagesLengthAndNoMore) {
+  for (const std::size_t length : {1U, 64U, 2047U, 2048U, 16128U, 16129U}) {
+    for (const bool encrypted : {false, true}) {
+      SCOPED_TRACE(length);
+      const Bytes message = pattern(length);
+      const shared_ptr<IoBuffer> copy = cut(message, false, encrypted).at(0)->buffer;
+      EXPECT_EQ(copy->capacity, length);
+      EXPECT_EQ(Bytes(copy->content(), copy->size()), message);
+    }
   }
 }
 

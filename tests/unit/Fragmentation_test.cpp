@@ -111,6 +111,24 @@ TEST_F(FragmentVerdictTest, HalfAMessageStaysOnAChannelThatTheHeadUnitCloses) {
   EXPECT_EQ(channel->incomingLength(), 2U);
 }
 
+TEST_F(FragmentVerdictTest, AnAtomicFrameGivesItsOwnBufferBackUncopied) {
+  ChannelSet waiting;
+  const shared_ptr<Channel> source(new Channel(3, 0, &waiting));
+  const shared_ptr<Frame> piece = frameOf(3, ATOMIC | ENCRYPTED, "80 01 0A");
+  const shared_ptr<IoBuffer> received = piece->buffer;
+  const unsigned char* const payload = piece->payload;
+  source->enqueueIncoming(piece);
+  const shared_ptr<Frame> later = frameOf(3, ATOMIC | ENCRYPTED);
+  source->enqueueIncoming(later);
+
+  const shared_ptr<IoBuffer> message = link.channels().framesToMessage(source);
+  EXPECT_EQ(message, received);
+  EXPECT_EQ(message->content(), payload);
+  EXPECT_EQ(message->start, 4U) << "the frame's header stays in the storage, outside the message";
+  EXPECT_EQ(Bytes(message->content(), message->size()), bytes("80 01 0A"));
+  EXPECT_EQ(source->dequeueIncoming(), later);
+}
+
 struct FragmentTest : EndpointTest {
   RecordingEndpoint service{1, link.router()};
   RecordingEndpoint other{2, link.router()};

@@ -55,6 +55,7 @@ Bytes PhoneLink::encrypt(const Bytes& plain) { return tls_->encrypt(plain.data()
 
 void PhoneLink::feed(const std::uint8_t* data, std::size_t size) {
   if (end_) return;
+  hasHeard_ = hasHeard_ || size > 0;
   decoder_.feed(data, size);
   Frame frame;
   while (!end_ && decoder_.next(&frame)) takeFrame(std::move(frame));

@@ -52,6 +52,8 @@ class PhoneLink {
   const std::optional<LinkEnd>& end() const { return end_; }
   /// What the head unit offers; null until it has said so.
   const ServiceDiscoveryResponse* services() const { return services_ ? &*services_ : nullptr; }
+  /// Whether the head unit has said anything at all, even if no whole frame.
+  bool hasHeard() const { return hasHeard_; }
   std::optional<int> authStatus() const { return authStatus_; }
   std::uint16_t headUnitMajor() const { return headUnitMajor_; }
   std::uint16_t headUnitMinor() const { return headUnitMinor_; }
@@ -166,6 +168,7 @@ class PhoneLink {
   LinkState state_ = LinkState::awaitingVersion;
   std::optional<LinkEnd> end_;
   std::optional<ServiceDiscoveryResponse> services_;
+  bool hasHeard_ = false;
   std::optional<int> authStatus_;
   std::uint16_t headUnitMajor_ = 0;
   std::uint16_t headUnitMinor_ = 0;

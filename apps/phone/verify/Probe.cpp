@@ -101,6 +101,15 @@ bool Probe::isUp() const { return link_ && link_->link().state() == LinkState::u
 PhoneLink& Probe::link() { return isUp() ? link_->link() : freshUpLink(); }
 
 bool Probe::runUntil(const std::function<bool()>& done, Micros limit) {
+  if (isSilent() && limit > firstByte_) {
+    const bool settled = waitOn([&] { return done() || !isSilent(); }, firstByte_);
+    if (!settled) return false;
+    limit -= firstByte_;
+  }
+  return waitOn(done, limit);
+}
+
+bool Probe::waitOn(const std::function<bool()>& done, Micros limit) {
   const bool came = link_->runUntil(done, limit);
   if (headUnit_->interrupted()) throw Interrupted();
   return came;

@@ -15,8 +15,9 @@ constexpr Micros bringUpLimit = 4'000'000;
 /// What a check works with: a link, ways to wait for what the head unit says, and ways to complain about it.
 class Probe {
  public:
-  Probe(HeadUnit* headUnit, Credentials credentials)
-      : headUnit_(headUnit), credentials_(std::move(credentials)) {}
+  /// A head unit speaks first: on a link on which it has not, no wait is longer than `firstByte`.
+  Probe(HeadUnit* headUnit, Credentials credentials, Micros firstByte = bringUpLimit)
+      : headUnit_(headUnit), credentials_(std::move(credentials)), firstByte_(firstByte) {}
   ~Probe() { endLink(); }
   Probe(const Probe&) = delete;
   Probe& operator=(const Probe&) = delete;
@@ -41,6 +42,8 @@ class Probe {
   bool runUntil(const std::function<bool()>& done, Micros limit = patience);
   /// How the last link ended; empty if it has not.
   std::optional<LinkEnd> end() const { return link_ ? link_->link().end() : std::nullopt; }
+  /// Whether there is a link on which the head unit has never said a byte.
+  bool isSilent() const { return link_ && !link_->link().hasHeard(); }
   /// Waits until the head unit has dealt with all that was sent to it.
   void settle();
 
@@ -98,12 +101,14 @@ class Probe {
  private:
   void give(std::unique_ptr<LinkUnderTest> link);
   bool isUp() const;
+  bool waitOn(const std::function<bool()>& done, Micros limit);
   std::size_t said(std::uint8_t channel) const;
   const Service* serviceOn(std::uint8_t channel) const;
   std::string whyNothing(std::uint8_t channel) const;
 
   HeadUnit* headUnit_;
   Credentials credentials_;
+  Micros firstByte_;
   std::unique_ptr<LinkUnderTest> link_;
   std::vector<Service> services_;
   std::map<int, std::uint8_t> channels_;                      ///< Those that are open, by service.

@@ -3,18 +3,41 @@
 #include <algorithm>
 
 #include "phone/Socket.h"
-#include "phone/verify/Probe.h"
 
 namespace phone::verify {
 
 namespace {
 
-constexpr int patienceWithDeadLinks = 3;
-
 bool lacksLink(const Result& result) {
-  return result.outcome == Outcome::failed &&
-         (result.expected == "a link that comes up" || result.expected == "a way to the head unit");
+  return result.expected == "a link that comes up" || result.expected == "a way to the head unit";
 }
+
+// Counts the links in a row that came to nothing.
+class DeadLinks {
+ public:
+  explicit DeadLinks(int most) : most_(most) {}
+
+  void take(const Result& result, bool isSilent) {
+    const bool failed = result.outcome == Outcome::failed;
+    silent_ = failed && isSilent ? silent_ + 1 : 0;
+    dead_ = failed && (isSilent || lacksLink(result)) ? dead_ + 1 : 0;
+    last_ = result.came;
+  }
+
+  /// Why the run is to be broken off; empty if it is not.
+  std::string reason() const {
+    if (dead_ < most_) return {};
+    const std::string count = std::to_string(dead_);
+    if (silent_ < most_) return "no link came up " + count + " times in a row, last: " + last_;
+    return "not a byte came on " + count + " links in a row; what is there is no head unit, or hangs";
+  }
+
+ private:
+  int most_;
+  int dead_ = 0;
+  int silent_ = 0;
+  std::string last_;
+};
 
 Result runOne(const Check& check, Probe& probe, bool keepLink) {
   Result result;
@@ -54,21 +77,21 @@ const Result* Run::find(const std::string& name) const {
 }
 
 Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials,
-              const OnResult& onResult) {
-  Probe probe(headUnit, credentials);
+              const OnResult& onResult, const Endurance& endurance) {
+  Probe probe(headUnit, credentials, endurance.firstByte);
+  DeadLinks dead(endurance.deadLinks);
   Run run;
   bool keepLink = true;
-  int dead = 0;
   for (const Check& check : checks) {
     Result result = run.brokenOff.empty()
                         ? runOne(check, probe, keepLink)
                         : Result{check.name, check.meaning, Outcome::notRun, run.brokenOff, "", 0};
     keepLink = result.outcome != Outcome::failed;
-    dead = lacksLink(result) ? dead + 1 : 0;
-    if (dead == patienceWithDeadLinks) {
-      run.brokenOff = "no link came up " + std::to_string(dead) + " times in a row, last: " + result.came;
-    } else if (result.outcome == Outcome::notRun) {
+    if (result.outcome == Outcome::notRun) {
       run.brokenOff = result.expected;
+    } else {
+      dead.take(result, probe.isSilent());
+      run.brokenOff = dead.reason();
     }
     if (onResult) onResult(result);
     run.results.push_back(std::move(result));

@@ -5,6 +5,7 @@
 
 #include "phone/verify/Check.h"
 #include "phone/verify/LinkUnderTest.h"
+#include "phone/verify/Probe.h"
 
 namespace phone::verify {
 
@@ -31,13 +32,20 @@ struct Run {
   const Result* find(const std::string& name) const;
 };
 
+/// How much is borne of a head unit that is dead.
+struct Endurance {
+  int deadLinks = 3;  ///< In a row.
+  Micros firstByte = bringUpLimit;
+};
+
 /// Called after each check.
 using OnResult = std::function<void(const Result&)>;
 
 /// Runs the checks one after the other. The run is broken off when the user wants to end, and once no link
-/// comes up several times in a row, so that a dead head unit does not cost a deadline a check.
+/// comes up several times in a row, or nothing at all is heard on as many, so that a dead head unit does not
+/// cost a deadline a check.
 Run runChecks(const Checks& checks, HeadUnit* headUnit, const Credentials& credentials,
-              const OnResult& onResult = {});
+              const OnResult& onResult = {}, const Endurance& endurance = {});
 
 /// The checks whose name begins with one of `prefixes`; all of them if there are none.
 Checks choose(const Checks& checks, const std::vector<std::string>& prefixes);

@@ -1,9 +1,8 @@
 #include "phone/Credentials.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
+#include <utility>
 
+#include "common/InputFile.h"
 #include "phone/OpenSslTypes.h"
 
 namespace phone {
@@ -22,15 +21,12 @@ struct FreeStack {
 int noPassphrase(char*, int, int, void*) { return -1; }
 
 bool readFile(const std::string& path, std::string* text, std::string* error) {
-  errno = 0;
-  std::ifstream file(path, std::ios::binary);
-  const bool opened = file.is_open();
-  char piece[4096];
-  while (file.read(piece, sizeof piece), file.gcount() > 0) {
-    text->append(piece, static_cast<std::size_t>(file.gcount()));
-  }
-  if (opened && !file.bad()) return true;
-  *error = "cannot read " + path + ": " + std::strerror(errno != 0 ? errno : EIO) +
+  programs::InputLimits limits;
+  limits.bytes = 1 << 20;
+  std::string reason;
+  auto read = programs::readInput(path, limits, &reason);
+  if (read) return *text = std::move(*read), true;
+  *error = "cannot read " + path + ": " + reason +
            "; make a set of credentials with scripts/make-credentials, or name its folder with --credentials";
   return false;
 }
@@ -69,12 +65,16 @@ KeyPointer readKey(const std::string& pem) {
   return key;
 }
 
+std::array<std::string, 3> credentialFiles(const std::string& folder) {
+  return {folder + "/root.pem", folder + "/phone.pem", folder + "/phone.key"};
+}
+
 std::optional<Credentials> loadCredentials(const std::string& folder, std::string* error) {
   error->clear();
+  const auto [root, certificate, key] = credentialFiles(folder);
   Credentials credentials;
-  if (!readFile(folder + "/root.pem", &credentials.root, error) ||
-      !readFile(folder + "/phone.pem", &credentials.certificate, error) ||
-      !readFile(folder + "/phone.key", &credentials.key, error) || !isUsable(credentials, folder, error)) {
+  if (!readFile(root, &credentials.root, error) || !readFile(certificate, &credentials.certificate, error) ||
+      !readFile(key, &credentials.key, error) || !isUsable(credentials, folder, error)) {
     return std::nullopt;
   }
   return credentials;

@@ -1,6 +1,7 @@
 #ifndef PHONE_CREDENTIALS_H
 #define PHONE_CREDENTIALS_H
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -12,6 +13,9 @@ struct Credentials {
   std::string certificate;  ///< The phone's own, further chain certificates behind it if there are any.
   std::string key;          ///< Without a passphrase.
 };
+
+/// The files of a folder of credentials.
+std::array<std::string, 3> credentialFiles(const std::string& folder);
 
 /// Reads `root.pem`, `phone.pem` and `phone.key` of a folder. Empty on failure, and `error` then names the
 /// file and what to do.

@@ -2,15 +2,18 @@
 #include <spdlog/sinks/stdout_color_sinks.h>
 #include <spdlog/spdlog.h>
 
-#include <cstdio>
+#include <cerrno>
+#include <cstring>
 #include <exception>
-#include <fstream>
 
 #include "phone/PhoneSession.h"
 #include "phone/SocketRunner.h"
 #include "phone/program/CarJournal.h"
 #include "phone/program/Console.h"
+#include "phone/program/Files.h"
 #include "phone/program/Options.h"
+#include "phone/program/OutputFile.h"
+#include "phone/program/Peer.h"
 #include "phone/program/ScenarioCommand.h"
 #include "phone/program/Signals.h"
 #include "phone/program/Sound.h"
@@ -52,26 +55,20 @@ VideoFactory videoFactory(const Options& options, std::unique_ptr<VideoSource> e
   };
 }
 
-Socket reachHeadUnit(const Options& options, Wake* wake, std::string* error) {
+// `listener` is one if the head unit is to connect.
+Socket reachHeadUnit(const Options& options, const Socket& listener, Wake* wake, std::string* error) {
+  if (options.listens) {
+    tellListening(listener);
+    return acceptOne(listener, wake, error);
+  }
   const std::string where = options.endpoint.words();
-  if (!options.listens) {
-    spdlog::info("connecting to {}", where);
-    Socket socket = connectTo(options.endpoint, connectLimit, wake, error);
-    if (!error->empty()) {
-      *error = "cannot connect to the head unit at " + where + ": " + *error +
-               "; start it first, or check the address";
-    }
-    return socket;
+  spdlog::info("connecting to {}", where);
+  Socket socket = connectTo(options.endpoint, connectLimit, wake, error);
+  if (!error->empty()) {
+    *error = "cannot connect to the head unit at " + where + ": " + *error +
+             "; start it first, or check the address";
   }
-  const Socket listener = listenOn(options.endpoint, error);
-  if (!listener) {
-    *error =
-        "cannot listen on " + where + ": " + *error + "; choose another address, or port 0 for any free one";
-    return Socket();
-  }
-  std::printf("listening on %s\n", localEndpoint(listener).words().c_str());
-  std::fflush(stdout);
-  return acceptOne(listener, wake, error);
+  return socket;
 }
 
 LinkOptions linkOptions(Credentials credentials) {
@@ -95,9 +92,12 @@ SessionOptions sessionOptions(const Options& options, CarListener* listener) {
   return session;
 }
 
-struct Output {
-  std::ofstream stats;
-  CarJournal journal;
+/// What there has to be before the link. Nothing of it is written to.
+struct Preparation {
+  std::optional<Credentials> credentials;
+  std::unique_ptr<VideoSource> video;
+  std::vector<Song> songs;
+  Socket listener;
 };
 
 bool readMusic(const Options& options, std::vector<Song>* songs, std::string* error) {
@@ -105,73 +105,82 @@ bool readMusic(const Options& options, std::vector<Song>* songs, std::string* er
   return !songs->empty();
 }
 
-bool openOutput(const Options& options, Output* output, std::string* error) {
-  if (!options.stats.empty()) output->stats.open(options.stats);
-  if (!output->stats) {
-    *error = "cannot write " + options.stats + "; name another file with --stats";
-  } else if (!options.record.empty() && !output->journal.recordTo(options.record)) {
-    *error = "cannot write " + options.record + "; name another file with --record";
-  } else {
-    return prepareMicrophoneFile(options, error);
+bool openOutput(const Options& options, CarJournal* journal, std::string* error) {
+  if (!canWriteAll(options.outputs(), error)) return false;
+  if (!options.record.empty() && !journal->recordTo(options.record)) {
+    *error =
+        "cannot write " + options.record + ": " + std::strerror(errno) + "; name another file with --record";
+    return false;
   }
-  return false;
+  return prepareMicrophoneFile(options, error);
 }
 
 // `session` is null if no link came about.
-int report(const Options& options, const PhoneSession* session, const LinkEnd& end, Output* output) {
+int report(const Options& options, const PhoneSession* session, const LinkEnd& end,
+           const CarJournal& journal) {
   const int status = end.clean ? exitClean : exitLink;
   const char* how = session == nullptr ? "there was no link"
                     : end.clean        ? "the link has ended"
                                        : "the link has failed";
   spdlog::log(end.clean ? spdlog::level::info : spdlog::level::err, "{}: {}", how, end.words());
-  if (!options.stats.empty()) output->stats << statsJson(session, end, status) << std::flush;
-  if (output->stats && output->journal.isWhole()) return status;
-  spdlog::error("cannot write {}; free some room or name another file",
-                output->stats ? options.record : options.stats);
+  std::string error;
+  if (!journal.isWhole()) error = "cannot write " + options.record;
+  if (!options.stats.empty()) writeFile(options.stats, statsJson(session, end, status), &error);
+  if (error.empty()) return status;
+  spdlog::error("{}; free some room or name another file", error);
   return status == exitClean ? exitUsage : status;
 }
 
-int runLink(const Options& options, Credentials credentials, std::unique_ptr<VideoSource> video,
-            std::vector<Song> songs, Output* output) {
+int runLink(const Options& options, Preparation prepared, CarJournal* journal) {
   Wake* const wake = wakeOnSignals();
   std::string error;
-  Socket socket = reachHeadUnit(options, wake, &error);
-  if (!error.empty()) return report(options, nullptr, {false, Side::medium, error, ""}, output);
-  if (!socket) return report(options, nullptr, {true, Side::phone, "was interrupted", ""}, output);
+  Socket socket = reachHeadUnit(options, prepared.listener, wake, &error);
+  prepared.listener.close();
+  if (!error.empty()) return report(options, nullptr, {false, Side::medium, error, ""}, *journal);
+  if (!socket) return report(options, nullptr, {true, Side::phone, "was interrupted", ""}, *journal);
 
   Timers timers(steadyNow);
-  PhoneLink link(linkOptions(std::move(credentials)));
+  PhoneLink link(linkOptions(std::move(*prepared.credentials)));
   Console console(&link, &timers);
-  PhoneSession session(&link, &timers, sessionOptions(options, &output->journal),
-                       videoFactory(options, std::move(video)));
+  PhoneSession session(&link, &timers, sessionOptions(options, journal),
+                       videoFactory(options, std::move(prepared.video)));
   // The map is in the test picture, and in no other.
   const auto drive = [&session] { return session.pictureTime(); };
-  ServicePlayers services(&link, &timers, std::move(songs),
+  ServicePlayers services(&link, &timers, std::move(prepared.songs),
                           options.video.empty() ? RouteClock(drive) : nullptr);
   SocketRunner runner(&link, &timers, wake);
   runner.onWake([&session] { session.interrupt(); });
   console.watch(&session);
-  output->journal.start(&timers);
+  journal->start(&timers);
   session.start();
   runner.run(std::move(socket));
-  return report(options, &session, session.outcome(), output);
+  return report(options, &session, session.outcome(), *journal);
+}
+
+// A port that others have is told before files are replaced.
+bool prepare(Options* options, Preparation* prepared, std::string* error) {
+  prepared->credentials = loadCredentials(options->credentials, error);
+  if (!prepared->credentials) return false;
+  prepared->video = openVideo(*options, options->size, error);
+  if (!prepared->video || !readMusic(*options, &prepared->songs, error) || !settleSound(options, error)) {
+    return false;
+  }
+  if (options->listens) prepared->listener = listenForHeadUnit(options->endpoint, error);
+  return !options->listens || prepared->listener;
 }
 
 int run(Options options) {
   std::string error;
-  Output output;
-  std::vector<Song> songs;
-  auto credentials = loadCredentials(options.credentials, &error);
-  auto video = credentials ? openVideo(options, options.size, &error) : nullptr;
-  if (!video || !readMusic(options, &songs, &error) || !settleSound(&options, &error) ||
-      !openOutput(options, &output, &error)) {
+  Preparation prepared;
+  CarJournal journal;
+  if (!prepare(&options, &prepared, &error) || !openOutput(options, &journal, &error)) {
     spdlog::error("{}", error);
     return exitUsage;
   }
-  if (const std::string doubts = doubtsAbout(*credentials); !doubts.empty()) {
+  if (const std::string doubts = doubtsAbout(*prepared.credentials); !doubts.empty()) {
     spdlog::warn("{}; the head unit will probably refuse it", doubts);
   }
-  return runLink(options, std::move(*credentials), std::move(video), std::move(songs), &output);
+  return runLink(options, std::move(prepared), &journal);
 }
 
 }  // namespace

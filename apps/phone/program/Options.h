@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/OneFile.h"
 #include "phone/Discovery.h"
 #include "phone/Socket.h"
 
@@ -29,6 +30,9 @@ struct Options {
   bool fast = false;
   std::string stats;  ///< Empty: none wanted.
   bool verbose = false;
+
+  /// The files that are written, by the options that name them.
+  std::vector<programs::NamedFile> outputs() const;
 };
 
 /// Reads the command line. Empty if the program is to end at once, with `status`: after --help, or after a

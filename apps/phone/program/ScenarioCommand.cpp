@@ -2,12 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 
+#include "common/InputFile.h"
+#include "phone/program/Files.h"
+#include "phone/program/Peer.h"
 #include "phone/program/Signals.h"
 #include "phone/scenario/Scenario.h"
-#include "phone/verify/SocketHeadUnit.h"
 
 namespace phone {
 
@@ -18,28 +18,22 @@ constexpr int exitUsage = 1;
 constexpr int exitBroken = 3;
 
 struct ScenarioOptions {
-  std::string connect;
+  Peer peer;
   std::string credentials = "credentials";
   std::string scenario;
   bool list = false;
 };
 
-std::string checkEndpoint(const std::string& text) {
-  return parseEndpoint(text) ? "" : "\"" + text + "\" is not HOST:PORT";
-}
-
 void describe(CLI::App* app, ScenarioOptions* options) {
-  auto* what = app->add_option_group("Scenario", "exactly one of");
+  auto* what = app->add_option_group("Scenario", "what is played");
+  // The value may be missing: "--help" in its place is no name.
   what->add_option("--scenario", options->scenario, "play this file, or the built-in scenario of this name")
-      ->type_name("FILE.json");
+      ->expected(0, 1)
+      ->type_name("NAME|FILE.json");
   what->add_flag("--list-scenarios", options->list, "list the built-in scenarios");
   what->require_option(1);
-  app->add_option("--connect", options->connect, "connect to a head unit that listens there")
-      ->check(checkEndpoint)
-      ->type_name("HOST:PORT");
-  app->add_option("--credentials", options->credentials, "folder of root.pem, phone.pem and phone.key")
-      ->type_name("DIR")
-      ->capture_default_str();
+  addPeer(app, &options->peer, "a head unit that connects")->require_option(0, 1);
+  addCredentials(app, &options->credentials);
   app->footer(
       "Exit status: 0 if all went as written, 1 for wrong usage, 3 if an expectation failed or the "
       "scenario was interrupted.");
@@ -60,21 +54,25 @@ std::optional<scenario::Scenario> find(const std::string& name, std::string* err
   for (auto& one : scenario::builtInScenarios()) {
     if (one.name == name) return one;
   }
-  std::ifstream file(name, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  if (!file) {
-    *error = "cannot read " + name + ", and no built-in scenario has that name; --list-scenarios tells them";
+  programs::InputLimits limits;
+  limits.bytes = 16 << 20;
+  std::string reason;
+  const auto text = programs::readInput(name, limits, &reason);
+  if (!text) {
+    *error = "cannot read " + name + ": " + reason +
+             "; no built-in scenario has that name either, --list-scenarios tells them";
     return std::nullopt;
   }
-  auto read = scenario::parseScenario(text.str(), error);
+  auto read = scenario::parseScenario(*text, error);
   if (!read) *error = name + ": " + *error;
   return read;
 }
 
 int play(const ScenarioOptions& options, const scenario::Scenario& wanted, const Credentials& credentials) {
-  verify::SocketHeadUnit headUnit(*parseEndpoint(options.connect), wakeOnSignals());
-  const auto verdict = scenario::play(wanted, &headUnit, credentials, [](const scenario::Step& step) {
+  std::string error;
+  const auto headUnit = headUnitAt(options.peer, wakeOnSignals(), &error);
+  if (!headUnit) return complain(error);
+  const auto verdict = scenario::play(wanted, headUnit.get(), credentials, [](const scenario::Step& step) {
     std::printf("%s\n", step.name.c_str());
     std::fflush(stdout);
   });
@@ -104,7 +102,13 @@ int runScenario(int argc, char** argv) {
     return app.exit(error) == 0 ? exitKept : exitUsage;
   }
   if (options.list) return list();
-  if (options.connect.empty()) return complain("--connect tells where the head unit is");
+  if (options.scenario.empty()) {
+    return complain(
+        "--scenario needs the name of a scenario or of a file; --list-scenarios tells the former");
+  }
+  if (options.peer.connect.empty() && options.peer.listen.empty()) {
+    return complain("--connect or --listen has to tell where the head unit is");
+  }
   std::string error;
   const auto wanted = find(options.scenario, &error);
   const auto credentials = wanted ? loadCredentials(options.credentials, &error) : std::nullopt;

@@ -4,11 +4,12 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <fstream>
 
+#include "phone/program/Files.h"
+#include "phone/program/OutputFile.h"
+#include "phone/program/Peer.h"
 #include "phone/program/Signals.h"
 #include "phone/verify/Report.h"
-#include "phone/verify/SocketHeadUnit.h"
 
 namespace phone {
 
@@ -19,8 +20,7 @@ constexpr int exitUsage = 1;
 constexpr int exitFailed = 2;
 
 struct VerifyOptions {
-  std::string connect;
-  std::string listen;
+  Peer peer;
   std::string credentials = "credentials";
   std::vector<std::string> only;
   std::string junit;
@@ -28,27 +28,14 @@ struct VerifyOptions {
   bool list = false;
 };
 
-std::string checkEndpoint(const std::string& text) {
-  return parseEndpoint(text) ? "" : "\"" + text + "\" is not HOST:PORT";
-}
-
 void describe(CLI::App* app, VerifyOptions* options) {
-  auto* peer = app->add_option_group("Peer", "exactly one of");
-  peer->add_option("--connect", options->connect, "connect to a head unit that listens there")
-      ->check(checkEndpoint)
-      ->type_name("HOST:PORT");
-  peer->add_option("--listen", options->listen,
-                   "wait there for a head unit that connects, for each link anew")
-      ->check(checkEndpoint)
-      ->type_name("HOST:PORT");
+  auto* const peer = addPeer(app, &options->peer, "a head unit that connects, for each link anew");
   peer->add_flag("--list", options->list, "list the checks and end");
   peer->require_option(1);
-  app->add_option("--credentials", options->credentials, "folder of root.pem, phone.pem and phone.key")
-      ->type_name("DIR")
-      ->capture_default_str();
+  addCredentials(app, &options->credentials);
   app->add_option("--only", options->only, "only checks whose names begin so")->type_name("PREFIX");
-  app->add_option("--junit", options->junit, "write the results as JUnit XML")->type_name("FILE.xml");
-  app->add_option("--html", options->html, "write the results as one page")->type_name("FILE.html");
+  addFile(app, "--junit", &options->junit, "write the results as JUnit XML", "FILE.xml");
+  addFile(app, "--html", &options->html, "write the results as one page", "FILE.html");
   app->footer(
       "Exit status: 0 if no check failed, 1 for wrong usage, 2 if a check failed or the "
       "run was broken off.");
@@ -59,34 +46,27 @@ int complain(const std::string& what) {
   return exitUsage;
 }
 
-bool write(const std::string& path, const std::string& text) {
-  if (path.empty()) return true;
-  std::ofstream file(path, std::ios::binary);
-  file << text << std::flush;
-  return static_cast<bool>(file);
+NamedFiles reports(const VerifyOptions& options) {
+  return {{"--junit", options.junit}, {"--html", options.html}};
+}
+
+bool writeReports(const VerifyOptions& options, const verify::Run& run, std::string* error) {
+  const std::string title = options.peer.connect.empty() ? "the head unit on " + options.peer.listen
+                                                         : "the head unit at " + options.peer.connect;
+  const bool hasXml = options.junit.empty() || writeFile(options.junit, junitXml(run, title), error);
+  const bool hasPage = options.html.empty() || writeFile(options.html, htmlPage(run, title), error);
+  return hasXml && hasPage;
 }
 
 void list(const verify::Checks& checks) {
   for (const verify::Check& check : checks) std::printf("%-28s  %s\n", check.name, check.meaning);
 }
 
-std::unique_ptr<verify::SocketHeadUnit> reach(const VerifyOptions& options, Wake* wake, std::string* error) {
-  if (!options.connect.empty()) {
-    return std::make_unique<verify::SocketHeadUnit>(*parseEndpoint(options.connect), wake);
-  }
-  Socket listener = listenOn(*parseEndpoint(options.listen), error);
-  if (!listener) return nullptr;
-  std::printf("listening on %s\n", localEndpoint(listener).words().c_str());
-  std::fflush(stdout);
-  return std::make_unique<verify::SocketHeadUnit>(std::move(listener), wake);
-}
-
 int verifyAgainst(const VerifyOptions& options, const Credentials& credentials,
                   const verify::Checks& checks) {
   std::string error;
-  const auto headUnit = reach(options, wakeOnSignals(), &error);
-  if (!headUnit)
-    return complain("cannot listen on " + options.listen + ": " + error + "; choose another address");
+  const auto headUnit = headUnitAt(options.peer, wakeOnSignals(), &error);
+  if (!headUnit) return complain(error);
   const bool coloured = isatty(STDOUT_FILENO) != 0;
   const verify::Run run =
       runChecks(checks, headUnit.get(), credentials, [coloured](const verify::Result& result) {
@@ -94,10 +74,7 @@ int verifyAgainst(const VerifyOptions& options, const Credentials& credentials,
         std::fflush(stdout);
       });
   std::printf("\n%s\n", summary(run).c_str());
-  const std::string title =
-      options.connect.empty() ? "the head unit on " + options.listen : "the head unit at " + options.connect;
-  if (!write(options.junit, junitXml(run, title))) return complain("cannot write " + options.junit);
-  if (!write(options.html, htmlPage(run, title))) return complain("cannot write " + options.html);
+  if (!writeReports(options, run, &error)) return complain(error);
   const bool passed = run.brokenOff.empty() && run.count(verify::Outcome::failed) == 0;
   return passed ? exitPassed : exitFailed;
 }
@@ -111,15 +88,20 @@ int runVerify(int argc, char** argv) {
   describe(&app, &options);
   try {
     app.parse(argc, argv);
+    refuseOneFileForTwo(reports(options), {}, options.credentials);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? exitPassed : exitUsage;
   }
   const verify::Checks checks = choose(verify::allChecks(), options.only);
-  if (checks.empty()) return complain("no check has a name that begins so; --list tells them all");
+  for (const std::string& prefix : options.only) {
+    if (!choose(checks, {prefix}).empty()) continue;
+    return complain("no check has a name that begins with \"" + prefix + "\"; --list tells them all");
+  }
   if (options.list) return list(checks), exitPassed;
   std::string error;
   const auto credentials = loadCredentials(options.credentials, &error);
-  if (!credentials) return complain(error);
+  // The run takes long: that a report cannot be written is told before it.
+  if (!credentials || !canWriteAll(reports(options), &error)) return complain(error);
   return verifyAgainst(options, *credentials, checks);
 }
 

@@ -158,13 +158,20 @@ constexpr const char* builtIn[] = {
       {"name": "no refusal", "expect_none": {"on": "navigation", "type": "MESSAGE_UNEXPECTED_MESSAGE", "within_ms": 300}}]})",
 };
 
+// The name that the JSON reader gives its complaint tells a user nothing.
+std::string inWords(std::string complaint) {
+  const std::size_t begin = complaint.find("[json.exception.");
+  const std::size_t end = begin == std::string::npos ? begin : complaint.find("] ", begin);
+  return end == std::string::npos ? complaint : complaint.erase(begin, end + 2 - begin);
+}
+
 }  // namespace
 
 std::optional<Scenario> parseScenario(const std::string& text, std::string* error) {
   try {
     return readScenario(parseShallow(text));
   } catch (const std::exception& failure) {
-    *error = failure.what();
+    *error = inWords(failure.what());
     return std::nullopt;
   }
 }

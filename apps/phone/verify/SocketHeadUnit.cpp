@@ -110,8 +110,12 @@ class SocketLink : public LinkUnderTest {
 }  // namespace
 
 Socket SocketHeadUnit::reach(std::string* error) {
-  if (!listener_) return connectTo(endpoint_, connectLimit, wake_, error);
-  return acceptOne(listener_, wake_, error, connectLimit);
+  if (!listener_) {
+    Socket socket = connectTo(endpoint_, connectLimit, wake_, error);
+    if (!error->empty()) *error = "cannot connect to " + endpoint_.words() + ": " + *error;
+    return socket;
+  }
+  return acceptOne(listener_, wake_, error, std::exchange(callLimit_, connectLimit));
 }
 
 std::unique_ptr<LinkUnderTest> SocketHeadUnit::connect(LinkOptions options, std::string* error) {

@@ -11,7 +11,8 @@ class SocketHeadUnit : public HeadUnit {
  public:
   /// Connects to `endpoint` for each link.
   SocketHeadUnit(Endpoint endpoint, Wake* wake) : endpoint_(std::move(endpoint)), wake_(wake) {}
-  /// Accepts each link on `listener`.
+  /// Accepts each link on `listener`. The first is waited for longer: whoever connects may have to be
+  /// started.
   SocketHeadUnit(Socket listener, Wake* wake) : listener_(std::move(listener)), wake_(wake) {}
 
   std::unique_ptr<LinkUnderTest> connect(LinkOptions options, std::string* error) override;
@@ -25,6 +26,7 @@ class SocketHeadUnit : public HeadUnit {
   Endpoint endpoint_;
   Socket listener_;
   Wake* wake_;
+  Micros callLimit_ = 30'000'000;  ///< For the next link that is accepted.
   bool interrupted_ = false;
 };
 

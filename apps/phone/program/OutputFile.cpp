@@ -1,0 +1,86 @@
+#include "phone/program/OutputFile.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+namespace phone {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Where a path leads, also if nothing is there yet.
+fs::path placeOf(const std::string& path) {
+  constexpr int mostLinks = 40;
+  std::error_code problem;
+  fs::path place = fs::absolute(path, problem);
+  for (int i = 0; i < mostLinks && fs::is_symlink(fs::symlink_status(place, problem)); ++i) {
+    place = place.parent_path() / fs::read_symlink(place, problem);
+  }
+  const fs::path folder = fs::weakly_canonical(place.parent_path(), problem);
+  return problem ? place : folder / place.filename();
+}
+
+bool isFolderForFiles(const fs::path& folder) {
+  struct stat found {};
+  if (::stat(folder.c_str(), &found) != 0) return false;
+  if (!S_ISDIR(found.st_mode)) return errno = ENOTDIR, false;
+  return ::access(folder.c_str(), W_OK | X_OK) == 0;
+}
+
+bool mayWrite(const std::string& path) {
+  struct stat found {};
+  if (::stat(path.c_str(), &found) != 0)
+    return errno == ENOENT && isFolderForFiles(placeOf(path).parent_path());
+  if (S_ISDIR(found.st_mode)) return errno = EISDIR, false;
+  return ::access(path.c_str(), W_OK) == 0;
+}
+
+bool writeInto(const fs::path& path, const std::string& text) {
+  std::ofstream file(path, std::ios::binary);
+  file << text << std::flush;
+  return static_cast<bool>(file);
+}
+
+// `before` is what stands there already, if anything does.
+bool replace(const fs::path& place, const fs::file_status& before, const std::string& text) {
+  const fs::path unfinished = place.parent_path() / (".vantry-phone-" + std::to_string(::getpid()) + ".part");
+  errno = 0;
+  std::error_code problem;
+  bool written = writeInto(unfinished, text);
+  int reason = errno;
+  if (written && fs::exists(before)) fs::permissions(unfinished, before.permissions(), problem);
+  if (written && !problem) fs::rename(unfinished, place, problem);
+  if (written && problem) reason = problem.value();
+  written = written && !problem;
+  if (!written) fs::remove(unfinished, problem);
+  errno = reason;
+  return written;
+}
+
+bool told(bool succeeds, const std::string& path, std::string* error) {
+  if (!succeeds) *error = "cannot write " + path + ": " + std::strerror(errno != 0 ? errno : EIO);
+  return succeeds;
+}
+
+}  // namespace
+
+bool canWriteFile(const std::string& path, std::string* error) { return told(mayWrite(path), path, error); }
+
+bool writeFile(const std::string& path, const std::string& text, std::string* error) {
+  std::error_code unknown;
+  const fs::file_status before = fs::status(path, unknown);
+  const bool isReplaceable = !fs::exists(before) || fs::is_regular_file(before);
+  const fs::path place = placeOf(path);
+  errno = 0;
+  const bool written = isReplaceable && isFolderForFiles(place.parent_path()) ? replace(place, before, text)
+                                                                              : writeInto(path, text);
+  return told(written, path, error);
+}
+
+}  // namespace phone

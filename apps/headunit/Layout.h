@@ -9,6 +9,7 @@ struct Size {
 
 /// Of those that are offered to a phone.
 constexpr Size SMALLEST_PICTURE{800, 480};
+constexpr Size LARGEST_PICTURE{1920, 1080};
 
 struct Point {
   int x = 0;

@@ -44,13 +44,30 @@ std::optional<Size> parseSize(const std::string& text) {
   return size;
 }
 
+std::string inWords(Size size) { return std::to_string(size.width) + "x" + std::to_string(size.height); }
+
 // What is wrong with margins, or nothing.
 std::string marginsFault(const std::string& text) {
   const std::optional<Size> margins = parseSize(text);
   if (!margins) return "'" + text + "' is no WIDTHxHEIGHT";
   if (margins->width < SMALLEST_PICTURE.width && margins->height < SMALLEST_PICTURE.height) return {};
-  return "'" + text + "' leaves nothing of a picture of " + std::to_string(SMALLEST_PICTURE.width) + "x" +
-         std::to_string(SMALLEST_PICTURE.height) + ", the smallest that a phone may choose";
+  return "'" + text + "' leaves nothing of a picture of " + inWords(SMALLEST_PICTURE) +
+         ", the smallest that a phone may choose";
+}
+
+// The same for taps. A smaller picture may come than the place is in, which is told then.
+std::string tapsFault(const std::string& text) {
+  const std::optional<TouchScript> taps = parseTouchScript(text);
+  if (!taps) return "'" + text + "' is no X,Y,EVERY_MS: three whole numbers, the last of them 2 or more";
+  if (contains({0, 0, LARGEST_PICTURE.width, LARGEST_PICTURE.height}, taps->place)) return {};
+  return "'" + text + "' is no place of any picture: the largest that a phone may choose has " +
+         inWords(LARGEST_PICTURE);
+}
+
+// The same for a phone's address, which has the right form.
+std::string portFault(const std::string& text) {
+  const std::optional<Address> address = parseAddress(text);
+  return address && address->port == 0 ? "port 0 is nobody's; give the phone's own" : "";
 }
 
 // What is wrong with the name of a file or a folder, or nothing.
@@ -76,7 +93,7 @@ void addPeer(CLI::App* app, Options* options, Texts* texts) {
   listen->check(address)->type_name("HOST:PORT")->capture_default_str();
   auto* const connect = app->add_option("--connect", texts->connect,
                                         "Connect to a phone that listens, instead of waiting for one");
-  connect->check(address)->type_name("HOST:PORT")->excludes(listen);
+  connect->check(address)->check(CLI::Validator(portFault, ""))->type_name("HOST:PORT")->excludes(listen);
   app->add_option("--credentials", options->credentials,
                   "Folder with root.pem, headunit.pem and headunit.key")
       ->required()
@@ -103,8 +120,7 @@ void addCar(CLI::App* app, Options* options, Texts* texts) {
       ->check(CLI::Validator(nameFault, ""))
       ->type_name("FILE.json");
   app->add_option("--touch", texts->touches, "Tap this place of the picture again and again")
-      ->check(
-          check([](const std::string& text) { return parseTouchScript(text).has_value(); }, "X,Y,EVERY_MS"))
+      ->check(CLI::Validator(tapsFault, ""))
       ->type_name("X,Y,EVERY_MS");
   app->add_flag("--verification", options->verification,
                 "Let a test application on the phone drive this car and see its screen");

@@ -1,5 +1,8 @@
 #include "headunit/Wav.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -11,13 +14,26 @@ namespace {
 constexpr std::uint32_t HEADER = 44;
 constexpr std::uint32_t SAMPLE = 2;
 
+// Null with errno on failure: ESPIPE for a pipe, since the length at the beginning is written at the end.
+std::FILE* openFile(const std::string& path) {
+  // Nobody is waited for who might come to read a pipe.
+  const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
+  if (file < 0 && errno == ENXIO) errno = ESPIPE;
+  if (file < 0) return nullptr;
+  if (lseek(file, 0, SEEK_CUR) == 0) return fdopen(file, "wb");
+  close(file);
+  errno = ESPIPE;
+  return nullptr;
+}
+
 }  // namespace
 
 std::unique_ptr<WavWriter> WavWriter::create(const std::string& path, unsigned int rate,
                                              unsigned int channels, std::string* error) {
-  std::FILE* const file = std::fopen(path.c_str(), "wb");
+  std::FILE* const file = openFile(path);
   if (file == nullptr) {
-    *error = "cannot write " + path + ": " + std::strerror(errno);
+    *error = "cannot write " + path + ": " +
+             (errno == ESPIPE ? "a WAVE file cannot be a pipe" : std::strerror(errno));
     return nullptr;
   }
   // What the disk has not taken must not stand in the way of the header.

@@ -39,4 +39,5 @@ refuses '--stats and --snapshot name one file' "${usable[@]}" --stats "$tmp/new"
 
 refuses 'is no HOST:PORT' "${usable[@]}" --listen 7411
 refuses 'is no X,Y,EVERY_MS' "${usable[@]}" --touch 1,2
+refuses "port 0 is nobody's" "${usable[@]}" --connect 127.0.0.1:0
 refuses "leaves nothing of a picture of 800x480" "${usable[@]}" --margins 900x0

@@ -69,6 +69,21 @@ TEST(HeadunitOptions, LeaveSomethingOfEachPictureInsideItsMargins) {
   }
 }
 
+TEST(HeadunitOptions, TapWhereAPictureMayBe) {
+  EXPECT_EQ(optionsOf(completed({"--touch", "1919,1079,2"})).touches->place.x, 1919);
+  for (const char* const taps : {"1920,0,100", "0,1080,100"}) {
+    EXPECT_THAT(complaintAbout(completed({"--touch", taps})),
+                HasSubstr("'" + std::string(taps) + "' is no place of any picture"));
+  }
+  EXPECT_THAT(complaintAbout(completed({"--touch", "1,2,0"})), HasSubstr("the last of them 2 or more"));
+}
+
+TEST(HeadunitOptions, CallAPhoneAtAPortThatThereCanBe) {
+  EXPECT_EQ(optionsOf(completed({"--connect", "localhost:1"})).connect->port, 1);
+  EXPECT_THAT(complaintAbout(completed({"--connect", "localhost:0"})), HasSubstr("port 0 is nobody's"));
+  EXPECT_EQ(optionsOf(completed({"--listen", "localhost:0"})).listen.port, 0);
+}
+
 TEST(HeadunitOptions, TakeNoEmptyNameForAFile) {
   for (const char* const option :
        {"--stats", "--snapshot", "--audio-out", "--microphone", "--drive", "--credentials"}) {

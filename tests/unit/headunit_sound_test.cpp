@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -7,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "headunit/FileDescriptor.h"
 #include "headunit/Mixer.h"
 #include "headunit/SoundOutput.h"
 #include "headunit_full_disk.h"
@@ -303,6 +306,17 @@ TEST_F(HeadunitSoundFile, IsNamedIfItCannotBeWritten) {
   std::string error;
   EXPECT_FALSE(WavWriter::create(folder + "/none/sound.wav", 48000, 2, &error));
   EXPECT_THAT(error, HasSubstr("sound.wav: No such file"));
+}
+
+TEST_F(HeadunitSoundFile, IsNoPipe) {
+  std::string error;
+  ASSERT_EQ(mkfifo(path().c_str(), 0600), 0);
+  EXPECT_FALSE(WavWriter::create(path(), 48000, 2, &error)) << "nobody is there to read it";
+  EXPECT_EQ(error, "cannot write " + path() + ": a WAVE file cannot be a pipe");
+  const FileDescriptor reader(open(path().c_str(), O_RDONLY | O_NONBLOCK));
+  error.clear();
+  EXPECT_FALSE(WavWriter::create(path(), 48000, 2, &error));
+  EXPECT_EQ(error, "cannot write " + path() + ": a WAVE file cannot be a pipe");
 }
 
 TEST_F(HeadunitSoundFile, TakesTheMixAtThePaceOfTheClock) {

@@ -98,8 +98,8 @@ class PhoneServices : public testing::Test {
 };
 
 TEST_F(PhoneServices, OpensEveryServiceBesideTheStreams) {
-  EXPECT_EQ(players().count(), 8u);
-  for (int channel = 1; channel <= 8; ++channel) {
+  EXPECT_EQ(players().count(), 9u);
+  for (int channel = 1; channel <= 9; ++channel) {
     EXPECT_EQ(link().channelState(static_cast<std::uint8_t>(channel)), phone::ChannelState::open) << channel;
   }
 }

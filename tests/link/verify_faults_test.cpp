@@ -333,6 +333,11 @@ const Fault SERVICE_FAULTS[] = {
        return sent(rewriting<GenericNotificationAck>(
            MESSAGE_GENERIC_NOTIFICATION_ACK, [](GenericNotificationAck* ack) { ack->set_handled(true); }));
      }},
+    {"StrangeBytesEndTheLink", "vendor.strange-bytes",
+     [] {
+       return received(changing(
+           0x7abc, [](Frame* frame) { frame->flags &= static_cast<std::uint8_t>(~phone::flagEncrypted); }));
+     }},
     {"CapturesAnotherSize", "verification.capture", host<&HeadUnitFaults::capturesWrongSize, true>},
     {"ForcedFocusCalledSolicited", "verification.audio-focus",
      [] {

@@ -270,6 +270,20 @@ struct VerificationHost : IVantryVerificationCallbacks {
   }
 };
 
+/// An extension of a vendor of its own, which takes whatever comes.
+struct PlainExtension : VendorExtension {
+  using VendorExtension::VendorExtension;
+  void addDiscoveryInfo(ServiceDiscoveryResponse* response) override {
+    Service* const service = response->add_services();
+    service->set_id(id());
+    service->mutable_vendor_extension_service()->set_service_name("test.plain");
+  }
+};
+
+struct TakingHost : IVendorExtensionCallbacks {
+  int dataAvailable(unsigned char*, unsigned int) override { return STATUS_SUCCESS; }
+};
+
 }  // namespace
 
 struct VerifyHost::Parts {
@@ -286,7 +300,7 @@ struct VerifyHost::Parts {
         receiver.controller().setClientCreds(known.root, known.headUnit.certificate, known.headUnit.key));
     for (ProtocolEndpointBase* endpoint : std::vector<ProtocolEndpointBase*>{
              &video, &media, &guidance, &microphone, &sensors, &input, &bluetooth, &radio, &navigation,
-             &playback, &phone, &browser, &notifications, &verification}) {
+             &playback, &phone, &browser, &notifications, &verification, &extension}) {
       EXPECT_TRUE(receiver.registerService(endpoint));
     }
     receiver.start();
@@ -386,6 +400,7 @@ struct VerifyHost::Parts {
       VERIFICATION, router(),
       shared_ptr<IVendorExtensionCallbacks>(new VantryVerificationVendorExtensionCallbackRouter(
           shared_ptr<IVantryVerificationCallbacks>(verificationHost)))};
+  PlainExtension extension{EXTENSION, router(), shared_ptr<IVendorExtensionCallbacks>(new TakingHost)};
 };
 
 VerifyHost::VerifyHost(const HeadUnitFaults& faults) : parts_(new Parts(faults)) {}

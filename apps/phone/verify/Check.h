@@ -43,6 +43,7 @@ Checks sensorChecks();
 Checks inputChecks();
 Checks carServiceChecks();      ///< Bluetooth, radio, navigation.
 Checks clusterServiceChecks();  ///< Playback, phone, browser, notifications.
+Checks vendorChecks();          ///< Vendor extensions of which nothing is known.
 Checks verificationChecks();
 /// All of the above, in this order.
 Checks allChecks();

@@ -117,7 +117,7 @@ Checks allChecks() {
   for (const Checks& some :
        {bringUpChecks(), discoveryChecks(), controlChecks(), channelChecks(), videoChecks(), audioChecks(),
         microphoneChecks(), sensorChecks(), inputChecks(), carServiceChecks(), clusterServiceChecks(),
-        verificationChecks(), frameChecks()}) {
+        vendorChecks(), verificationChecks(), frameChecks()}) {
     all.insert(all.end(), some.begin(), some.end());
   }
   return all;

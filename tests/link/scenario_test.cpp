@@ -15,7 +15,10 @@ using phone::scenario::bytesOfHex;
 using phone::scenario::encodeFields;
 using phone::scenario::hasFields;
 using phone::scenario::Verdict;
+using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 using json = nlohmann::json;
 
 Verdict play(const std::string& text, const HeadUnitFaults& faults = {}) {
@@ -89,7 +92,9 @@ TEST(Scenario, ALinkThatEndsFailsTheStepThatEndedIt) {
 }
 
 TEST(Scenario, RefusesFilesThatAreWrongAndTellsWhere) {
-  EXPECT_THAT(errorOf("{"), HasSubstr("parse error"));
+  EXPECT_THAT(errorOf("{"), StartsWith("parse error at line 1, column 2"));
+  EXPECT_THAT(errorOf(R"({"steps": [{"name": 1, "open": "radio"}]})"),
+              AllOf(StartsWith("step 1: "), Not(HasSubstr("exception"))));
   EXPECT_THAT(errorOf("{\"steps\": []}"), HasSubstr("no steps"));
   EXPECT_THAT(errorOf("{\"steps\": [{\"open\": \"radio\"}, {}]}"),
               HasSubstr("step 2: a step does exactly one thing"));

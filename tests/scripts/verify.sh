@@ -21,4 +21,12 @@ read -r -t 20 line <&"$output" || fail "the head unit does not listen: $(cat "$t
 passed=$(grep -c '^passed' "$tmp/table")
 ((passed > 100)) || fail "only $passed checks passed"
 missing=$(grep '^not offered' "$tmp/table" | grep -v ' sensor\.unlisted ') && fail "the host does not offer: $missing"
-true
+
+# A scenario is played to a head unit that connects, too.
+kill "$headunit"
+exec {scenario}< <(exec "$programs/apps/phone/vantry-phone" --scenario radio --listen 127.0.0.1:0 \
+  --credentials "$tmp/credentials" 2>"$tmp/scenario.log")
+read -r -t 20 line <&"$scenario" || fail "the scenario does not listen: $(cat "$tmp/scenario.log")"
+"$programs/apps/headunit/vantry-headunit" --connect "${line#listening on }" --once --headless \
+  --credentials "$tmp/credentials" 2>>"$tmp/headunit.log" || fail "the link failed: $(cat "$tmp/headunit.log")"
+grep -q 'radio: all as written' <&"$scenario" || fail "the scenario went otherwise: $(cat "$tmp/scenario.log")"

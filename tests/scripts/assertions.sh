@@ -9,7 +9,8 @@ source=$1 cxx=$2
 commands_with() {
   rm -rf "$tmp/build"
   cmake -S "$source" -B "$tmp/build" -G "Ninja Multi-Config" -DCMAKE_CONFIGURATION_TYPES="$types" \
-    -DCMAKE_CXX_COMPILER="$cxx" -DVANTRY_BUILD_APPS=OFF -DVANTRY_BUILD_TESTS=OFF "$@" >"$tmp/log" 2>&1 ||
+    -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_COMPILER_LAUNCHER= -DVANTRY_BUILD_APPS=OFF -DVANTRY_BUILD_TESTS=OFF \
+    "$@" >"$tmp/log" 2>&1 ||
     { cat "$tmp/log" >&2; fail "cmake $*"; }
   sed -n 's/^ *"command": "[^ ]* \(.*\) -o [^ ]* -c [^ ]*",\?$/\1/p' "$tmp/build/compile_commands.json" | sort -u
 }

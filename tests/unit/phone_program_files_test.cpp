@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -78,6 +81,19 @@ TEST_F(PhoneProgramFiles, AFullDiskIsToldAndADeviceStaysOne) {
   EXPECT_EQ(error, "cannot write /dev/full: No space left on device");
   EXPECT_TRUE(phone::writeFile("/dev/null", "new", &error));
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST_F(PhoneProgramFiles, APipeIsWrittenIntoIfSomebodyReadsIt) {
+  ASSERT_EQ(mkfifo(in("pipe").c_str(), 0600), 0);
+  EXPECT_FALSE(phone::writeFile(in("pipe"), "new", &error));
+  EXPECT_THAT(error, HasSubstr("nobody is there to read it"));
+  const int reader = open(in("pipe").c_str(), O_RDONLY | O_NONBLOCK);
+  EXPECT_TRUE(phone::writeFile(in("pipe"), "new", &error)) << error;
+  char text[8] = "";
+  EXPECT_EQ(read(reader, text, sizeof text), 3);
+  EXPECT_STREQ(text, "new");
+  close(reader);
+  EXPECT_TRUE(fs::is_fifo(in("pipe")));
 }
 
 // ---- One file for two purposes ----

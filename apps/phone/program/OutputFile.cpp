@@ -1,12 +1,15 @@
 #include "phone/program/OutputFile.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
+#include <string_view>
+
+#include "phone/Socket.h"
 
 namespace phone {
 
@@ -41,10 +44,20 @@ bool mayWrite(const std::string& path) {
   return ::access(path.c_str(), W_OK) == 0;
 }
 
-bool writeInto(const fs::path& path, const std::string& text) {
-  std::ofstream file(path, std::ios::binary);
-  file << text << std::flush;
-  return static_cast<bool>(file);
+// Nobody is waited for who might come to read a pipe.
+bool writeInto(const fs::path& path, std::string_view text) {
+  constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  const Socket file(::open(path.c_str(), flags, 0666));
+  if (!file || ::fcntl(file.descriptor(), F_SETFL, 0) != 0) return false;
+  while (!text.empty()) {
+    const ssize_t count = ::write(file.descriptor(), text.data(), text.size());
+    if (count > 0) {
+      text.remove_prefix(static_cast<std::size_t>(count));
+    } else if (count == 0 || errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
 }
 
 // `before` is what stands there already, if anything does.
@@ -64,7 +77,10 @@ bool replace(const fs::path& place, const fs::file_status& before, const std::st
 }
 
 bool told(bool succeeds, const std::string& path, std::string* error) {
-  if (!succeeds) *error = "cannot write " + path + ": " + std::strerror(errno != 0 ? errno : EIO);
+  if (!succeeds) {
+    *error = "cannot write " + path + ": " +
+             (errno == ENXIO ? "nobody is there to read it" : std::strerror(errno != 0 ? errno : EIO));
+  }
   return succeeds;
 }
 

@@ -36,6 +36,7 @@ class VANTRY_EXPORT Channel {
   bool hasOutgoing();
   /// Any thread: appends a frame, which is not changed from now on.
   void enqueueOutgoing(const shared_ptr<Frame>& frame);
+  void enqueueOutgoing(shared_ptr<Frame>&& frame);
   /// Writer thread: removes and returns the oldest frame; an empty pointer if there is none.
   shared_ptr<Frame> dequeueOutgoing();
 

@@ -84,8 +84,8 @@ class VANTRY_EXPORT ChannelManager {
   /// Writer thread: picks the next channel's next frame, in a round robin over all 256 numbers, and encodes
   /// it.
   bool extractEncodedFrame(IoBuffer* out);
-  /// Writer thread: one frame into wire bytes. Leaves `out` as it was if enciphering fails. Where a frame
-  /// holds a whole message it may be enciphered in its own storage, which then goes on to `out`.
+  /// Writer thread: one frame into wire bytes. Leaves `out` as it was if enciphering fails. Empties a frame
+  /// that has `room`, for it is enciphered in its own storage, which then goes on to `out`.
   void encodeFrame(const shared_ptr<Frame>& frame, IoBuffer* out);
   /// Reader thread: wire bytes into `frame`, decrypting in place.
   int decodeFrame(const shared_ptr<Frame>& frame, const shared_ptr<IoBuffer>& buffer);

@@ -15,7 +15,7 @@ typedef struct ssl_st SSL;
 typedef struct x509_st X509;
 typedef struct x509_store_st X509_STORE;
 
-class OutputPlace;
+class RecordPlace;
 
 /// The values of SslWrapper::state, kept for inspection.
 enum SslWrapperState : int {
@@ -37,10 +37,9 @@ enum SslWrapperState : int {
 ///
 /// The two pipelines share one SSL and touch different halves of it, but for what OpenSSL notes of the last
 /// call: whether it wants more bytes. Only a failure is judged by that, so while the writer enciphers, the
-/// reason told for a failed read may be the wrong one. And of a damaged record, or a request to renegotiate,
-/// OpenSSL tells the peer by an alert that it writes from the reader thread, possibly while the writer
-/// enciphers: what the head unit sends from then on may be damaged too. A damaged record ends the link in any
-/// case.
+/// reason told for a failed read may be the wrong one. And of a damaged record OpenSSL tells the peer by an
+/// alert that it writes from the reader thread, possibly while the writer enciphers: what the head unit sends
+/// from then on may be damaged too. A damaged record ends the link in any case.
 class VANTRY_EXPORT SslWrapper {
  public:
   SslWrapper() = default;
@@ -71,19 +70,19 @@ class VANTRY_EXPORT SslWrapper {
   /// After the handshake: whether the phone's certificate chain leads to the root. No name is compared.
   bool verifyPeer();
 
-  /// How much longer than its plaintext the ciphertext of one record can get, whatever the cipher; and room
-  /// for an alert behind it, since OpenSSL writes one when the reader finds a damaged record.
-  static constexpr unsigned int CIPHERTEXT_ROOM = 650;
-
-  /// Before encryptionPipelineEnqueue, if at all: has OpenSSL lay the ciphertext of the next `length` bytes,
-  /// at most MAX_FRAGMENT_PAYLOAD, at `where`, which has room for CIPHERTEXT_ROOM more. To fetch all of it
-  /// from there to there then moves no byte. The plaintext may lie there too. `where` must stay until all is
-  /// fetched or the enqueue has failed. Returns false, and does nothing, while older ciphertext waits: that
-  /// has to leave first.
-  bool encryptionPipelinePlace(void* where, unsigned int length);
-
   /// Enciphers `length` bytes. Returns the number of ciphertext bytes to fetch, or below 1 on failure.
   int encryptionPipelineEnqueue(void* data, unsigned int length);
+
+  /// The same, but has the record laid at `where`, which has `room` bytes, to be fetched from there to there
+  /// without a copy. The plaintext may lie there too. `where` must stay until the record is fetched, unless
+  /// this fails. What does not fit, or stands behind older ciphertext, is kept in the wrapper as ever.
+  int encryptionPipelineEnqueue(void* data, unsigned int length, void* where, unsigned int room);
+
+  /// How many of the ciphertext bytes to fetch lie at the latest `where`: they come first.
+  unsigned int encryptionPipelinePlaced() const;
+
+  /// How much longer than its plaintext the record of a fragment can get, whatever the cipher.
+  static constexpr unsigned int MOST_EXPANSION = 325;
 
   /// Fetches up to `length` ciphertext bytes. Returns the count, negative on failure.
   int encryptionPipelineDequeue(void* data, unsigned int length);
@@ -103,7 +102,6 @@ class VANTRY_EXPORT SslWrapper {
   int currentState() const { return state; }
 
  private:
-  bool parseCredentials(const std::string& rootPem, const std::string& clientPem, const std::string& keyPem);
   bool createContext();
   bool createConnection();
   bool createCertificateStore();
@@ -121,6 +119,5 @@ class VANTRY_EXPORT SslWrapper {
   X509_STORE* certificateStore = nullptr;
   bool verifyTimeSet = false;
   time_t verifyTime = 0;
-  OutputPlace* output = nullptr;  // where writeBio writes to
-  unsigned int expansion = 0;     // by how much the latest placed record outgrew its plaintext
+  RecordPlace* place = nullptr;
 };

@@ -42,9 +42,11 @@ bool Channel::hasOutgoing() {
   return !outgoing.empty();
 }
 
-void Channel::enqueueOutgoing(const shared_ptr<Frame>& frame) {
+void Channel::enqueueOutgoing(const shared_ptr<Frame>& frame) { enqueueOutgoing(shared_ptr<Frame>(frame)); }
+
+void Channel::enqueueOutgoing(shared_ptr<Frame>&& frame) {
   Autolock lock(&outgoingLock);
-  outgoing.push_back(frame);
+  outgoing.push_back(std::move(frame));
   waiting->insert(id);
 }
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr unsigned int ROOM_TO_ENCIPHER = SslWrapper::CIPHERTEXT_ROOM + 4;  // the header of a whole message
+constexpr unsigned int ROOM_TO_ENCIPHER = SslWrapper::MOST_EXPANSION + 4;  // the header of a whole message
 constexpr unsigned int CHEAP_TO_COPY = 2048;  // below it to place a record costs more than to copy it
 
 /// How much longer than a message its storage is, for it to go on to the writer with the message enciphered
@@ -40,7 +40,7 @@ bool allocateMessage(IoBuffer* message, unsigned int total, unsigned long long s
 void ChannelManager::messageToFrames(int channel, bool control, void* data, unsigned int length,
                                      const shared_ptr<Channel>& target, bool encrypted) {
   const unsigned int room = roomFor(length, encrypted);
-  const shared_ptr<IoBuffer> message(new IoBuffer(length + room));
+  shared_ptr<IoBuffer> message(new IoBuffer(length + room));
   message->capacity = message->end = length;
   if (length == 0) return;
   memcpy(message->data, data, length);
@@ -49,16 +49,17 @@ void ChannelManager::messageToFrames(int channel, bool control, void* data, unsi
   for (unsigned int offset = 0; offset < length;) {
     const unsigned int left = length - offset;
     const int kind = kindOfFragment(offset, left);
-    const shared_ptr<Frame> frame(new Frame());
+    shared_ptr<Frame> frame(new Frame());
     frame->channelId = static_cast<unsigned char>(channel);
     frame->flags = static_cast<unsigned char>(kind | flags);
     frame->length = static_cast<unsigned short>(left < MAX_FRAGMENT_PAYLOAD ? left : MAX_FRAGMENT_PAYLOAD);
     frame->totalLength = kind == FRAME_FIRST ? length : 0;
     frame->payload = message->data + offset;
-    frame->buffer = message;
     frame->room = room;
     offset += frame->length;
-    target->enqueueOutgoing(frame);
+    // The last one takes the reference over: a small message costs hardly more than its counting.
+    frame->buffer = offset < length ? message : std::move(message);
+    target->enqueueOutgoing(std::move(frame));
     outgoingFrames.up();
   }
 }

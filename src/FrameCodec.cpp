@@ -32,12 +32,15 @@ void writeHeader(const Frame& frame, unsigned int size, unsigned char* at) {
   if (headerSize(frame) == LONG_HEADER) writeBigEndian32(at + SHORT_HEADER, frame.totalLength);
 }
 
-/// Makes the storage of `from`, of which `size` bytes count, that of `to`.
-void takeStorage(IoBuffer* from, unsigned int size, IoBuffer* to) {
-  std::swap(from->data, to->data);
-  from->capacity = to->capacity;
-  from->start = from->end = to->start = 0;
-  to->capacity = to->end = size;
+/// Makes the storage of `frame`, of which `size` bytes count, that of `out`.
+void takeStorage(Frame* frame, unsigned int size, IoBuffer* out) {
+  std::swap(frame->buffer->data, out->data);
+  out->start = 0;
+  out->capacity = out->end = size;
+  frame->payload = nullptr;
+  frame->length = 0;
+  frame->room = 0;
+  frame->buffer = shared_ptr<IoBuffer>();
 }
 
 }  // namespace
@@ -101,23 +104,24 @@ void ChannelManager::encodeFrame(const shared_ptr<Frame>& frame, IoBuffer* out) 
 
 void ChannelManager::encipherFrame(Frame* frame, SslWrapper* wrapper, IoBuffer* out) {
   const unsigned int header = headerSize(*frame);
-  // OpenSSL has taken in the whole record before it gives out a byte, so it may replace its own plaintext.
-  const bool placed = frame->room >= header + SslWrapper::CIPHERTEXT_ROOM &&
-                      wrapper->encryptionPipelinePlace(frame->buffer->data + header, frame->length);
-  const int size = wrapper->encryptionPipelineEnqueue(frame->payload, frame->length);
+  // OpenSSL has taken in all of the plaintext before it gives out its record, which may so replace it.
+  const int size = frame->room > header ? wrapper->encryptionPipelineEnqueue(
+                                              frame->payload, frame->length, frame->buffer->data + header,
+                                              frame->length + frame->room - header)
+                                        : wrapper->encryptionPipelineEnqueue(frame->payload, frame->length);
   if (size < 0) {
     // The writer then sends the former frame again; the host, told here, is about to stop the link.
     router.load()->unrecoverableError();
     return;
   }
-  const unsigned int whole = header + static_cast<unsigned int>(size);
-  if (placed) {
-    takeStorage(&*frame->buffer, whole, out);
+  const unsigned int length = static_cast<unsigned int>(size);
+  if (length > 0 && length == wrapper->encryptionPipelinePlaced()) {
+    takeStorage(frame, header + length, out);
   } else {
-    out->resize(whole);
+    out->resize(header + length);
   }
-  writeHeader(*frame, static_cast<unsigned int>(size), out->data);
-  if (wrapper->encryptionPipelineDequeue(out->data + header, static_cast<unsigned int>(size)) < 0) {
+  writeHeader(*frame, length, out->data);
+  if (wrapper->encryptionPipelineDequeue(out->data + header, length) < 0) {
     router.load()->unrecoverableError();
   }
 }

@@ -10,7 +10,7 @@
 #include "Log.h"
 #include "Mutex.h"
 #include "OpenSslState.h"
-#include "OutputPlace.h"
+#include "RecordPlace.h"
 #include "SslLocks.h"
 #include "SslWrapper.h"
 
@@ -81,15 +81,15 @@ bool SslWrapper::createConnection() {
   if (SSL_check_private_key(ssl) != 1) return fail("[LHU] SSL check private key failed!");
   readBio = BIO_new(BIO_s_mem());
   if (readBio == nullptr) return fail("[LHU] Failed to allocate read bio.");
-  writeBio = BIO_new(BIO_s_mem());
+  writeBio = BIO_new(RecordPlace::memoryBio());
   if (writeBio == nullptr) return fail("[LHU] Failed to allocate write bio.");
-  output = new OutputPlace(writeBio);
   sslBio = BIO_new(BIO_f_ssl());
   if (sslBio == nullptr) return fail("[LHU] Failed to create filter bio.");
   SSL_set_bio(ssl, readBio, writeBio);
   BIO_set_ssl(sslBio, ssl, BIO_NOCLOSE);
   BIO_set_ssl_renegotiate_timeout(sslBio, RENEGOTIATE_AFTER_SECONDS);
   SSL_set_connect_state(ssl);
+  place = new RecordPlace();
   return true;
 }
 
@@ -113,7 +113,7 @@ void SslWrapper::shutdown() {
     if (readBio != nullptr) BIO_free(readBio);
     if (writeBio != nullptr) BIO_free(writeBio);
   }
-  delete output;
+  delete place;
   if (sslContext != nullptr) SSL_CTX_free(sslContext);
   if (certificateStore != nullptr) X509_STORE_free(certificateStore);
   if (rootCertificate != nullptr) X509_free(rootCertificate);

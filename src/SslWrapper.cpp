@@ -11,7 +11,7 @@
 #include "BigEndian.h"
 #include "Log.h"
 #include "OpenSslState.h"
-#include "OutputPlace.h"
+#include "RecordPlace.h"
 #include "protos.pb.h"
 
 // The handshake and the two pipelines. Setting up and tearing down is in SslSetup.cpp.
@@ -23,8 +23,7 @@ constexpr unsigned int TYPE_SIZE = 2;
 // copied.
 constexpr unsigned int MOST_HANDSHAKE_BYTES = 1U << 20;
 
-static_assert(SslWrapper::CIPHERTEXT_ROOM >= 2 * (SSL3_RT_HEADER_LENGTH + SSL3_RT_MAX_ENCRYPTED_OVERHEAD),
-              "one record, and behind it an alert");
+static_assert(SslWrapper::MOST_EXPANSION == SSL3_RT_HEADER_LENGTH + SSL3_RT_MAX_ENCRYPTED_OVERHEAD);
 
 bool isPartialResult(int error) { return error == SSL_ERROR_WANT_READ || error == SSL_ERROR_WANT_WRITE; }
 
@@ -40,8 +39,6 @@ int logReadFailure(const SSL* ssl, int result) {
   return sslError;
 }
 
-bool isPlacing(const OutputPlace* output) { return output != nullptr && output->isBegun(); }
-
 /// Throws away what a former frame left in `memory`, which is about to be given `length` bytes.
 void emptyFor(unsigned int length, BIO* memory) {
   BUF_MEM* content = nullptr;
@@ -50,7 +47,8 @@ void emptyFor(unsigned int length, BIO* memory) {
     print_critical_i("[LHU] Throwing away %d bytes", static_cast<int>(content->length));
     static_cast<void>(BIO_reset(memory));
   }
-  spareClearing(content, length);
+  // OpenSSL clears what a memory BIO grows by, only for the write to fill it; but not what counts as there.
+  content->length = std::min<std::size_t>(content->max, length);
 }
 
 }  // namespace
@@ -108,8 +106,14 @@ bool SslWrapper::verifyPeer() {
   return result == 1;
 }
 
-bool SslWrapper::encryptionPipelinePlace(void* where, unsigned int length) {
-  return output != nullptr && output->begin(where, length + CIPHERTEXT_ROOM, length + expansion);
+unsigned int SslWrapper::encryptionPipelinePlaced() const { return place != nullptr ? place->filled() : 0; }
+
+int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length, void* where, unsigned int room) {
+  if (encryptionPipelinePlaced() > 0) return encryptionPipelineEnqueue(data, length);
+  if (place != nullptr) place->open(writeBio, where, room);
+  const int count = encryptionPipelineEnqueue(data, length);
+  if (place != nullptr) place->close();
+  return count;
 }
 
 int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length) {
@@ -117,22 +121,17 @@ int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length) {
   const int count = BIO_write(sslBio, data, static_cast<int>(length));
   if (count < 1) {
     print_critical_i("[LHU] Failed to write data to mSsl!");
-    if (isPlacing(output)) output->end();
     return count;
   }
-  const auto pending = static_cast<unsigned int>(BIO_pending(writeBio));
-  if (isPlacing(output)) expansion = pending - length;
-  return static_cast<int>(pending);
+  return static_cast<int>(encryptionPipelinePlaced()) + static_cast<int>(BIO_pending(writeBio));
 }
 
 int SslWrapper::encryptionPipelineDequeue(void* data, unsigned int length) {
-  if (isPlacing(output) && output->holds(data, length)) {
-    output->end();
-    return static_cast<int>(length);
-  }
-  const int count = BIO_read(writeBio, data, static_cast<int>(length));
+  const unsigned int placed = place != nullptr ? place->take(data, length) : 0;
+  if (placed > 0 && placed == length) return static_cast<int>(placed);
+  const int count = BIO_read(writeBio, static_cast<char*>(data) + placed, static_cast<int>(length - placed));
+  if (placed > 0) return static_cast<int>(placed) + std::max(count, 0);
   if (count < 0) print_critical_i("[LHU] Failed to read from encryption pipeline.");
-  if (isPlacing(output) && BIO_pending(writeBio) == 0) output->end();
   return count;
 }
 

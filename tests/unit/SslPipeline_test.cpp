@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <openssl/err.h>
 
+#include <memory>
+
 #include "EndpointTest.h"
 #include "FailingCalls.h"
 #include "MemoryTransport.h"
@@ -74,15 +76,16 @@ TEST_F(SslPipelineTest, FetchingCiphertextThatIsNotThereFailsWithALine) {
   EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Failed to read from encryption pipeline."));
 }
 
-TEST_F(SslPipelineTest, CiphertextIsLaidWhereItWillBeWantedEvenOverItsPlaintext) {
+TEST_F(SslPipelineTest, ARecordIsLaidWhereItWillBeWantedEvenOverItsPlaintext) {
   for (const std::size_t size : {3UL, FRAGMENT, 5000UL, FRAGMENT}) {
     const Bytes plain = pattern(size);
-    Bytes place = filled(size + SslWrapper::CIPHERTEXT_ROOM, 0xCC);
-    std::copy(plain.begin(), plain.end(), place.begin());
-    ASSERT_TRUE(wrapper.encryptionPipelinePlace(place.data(), static_cast<unsigned int>(size)));
-    const int count = wrapper.encryptionPipelineEnqueue(place.data(), static_cast<unsigned int>(size));
+    Bytes place = plain + filled(SslWrapper::MOST_EXPANSION, 0xCC);
+    const int count = wrapper.encryptionPipelineEnqueue(
+        place.data(), static_cast<unsigned int>(size), place.data(), static_cast<unsigned int>(place.size()));
+    EXPECT_EQ(wrapper.encryptionPipelinePlaced(), count);
     const Bytes laid = part(place, 0, static_cast<std::size_t>(count));
     EXPECT_EQ(wrapper.encryptionPipelineDequeue(place.data(), static_cast<unsigned int>(count)), count);
+    EXPECT_EQ(wrapper.encryptionPipelinePlaced(), 0);
     EXPECT_EQ(part(place, 0, laid.size()), laid);
     EXPECT_THAT(part(place, laid.size()), Each(0xCC)) << "nothing else was touched";
     EXPECT_EQ(link.decrypted(laid), plain);
@@ -90,40 +93,64 @@ TEST_F(SslPipelineTest, CiphertextIsLaidWhereItWillBeWantedEvenOverItsPlaintext)
   EXPECT_THAT(log.all(), IsEmpty());
 }
 
-TEST_F(SslPipelineTest, LaidCiphertextCanBeFetchedToAnotherPlaceAndInPieces) {
-  Bytes place = filled(3 + SslWrapper::CIPHERTEXT_ROOM, 1);
-  ASSERT_TRUE(wrapper.encryptionPipelinePlace(place.data(), 3));
-  const int count = wrapper.encryptionPipelineEnqueue(place.data(), 3);
+TEST_F(SslPipelineTest, ALaidRecordCanBeFetchedToAnotherPlaceAndInPieces) {
+  auto place = std::make_unique<Bytes>(filled(1000, 1));
+  const int count = wrapper.encryptionPipelineEnqueue(place->data(), 3, place->data(), 1000);
   Bytes fetched = filled(static_cast<std::size_t>(count), 0);
   EXPECT_EQ(wrapper.encryptionPipelineDequeue(fetched.data(), 5), 5);
   EXPECT_EQ(wrapper.encryptionPipelineDequeue(fetched.data() + 5, 1000), count - 5);
-  place.clear();  // needed no longer
+  place.reset();  // needed no longer
   EXPECT_EQ(link.decrypted(fetched), bytes("01 01 01"));
   EXPECT_LT(wrapper.encryptionPipelineDequeue(fetched.data(), 1), 0);
   enciphersAsEver();
 }
 
+TEST_F(SslPipelineTest, ARecordForWhichThePlaceIsTooSmallIsKept) {
+  Bytes plain = bytes("01 02 03");
+  const int size = wrapper.encryptionPipelineEnqueue(plain.data(), 3);
+  Bytes records = filled(2 * static_cast<std::size_t>(size), 0);
+  wrapper.encryptionPipelineDequeue(records.data(), static_cast<unsigned int>(size));
+
+  Bytes place = filled(static_cast<std::size_t>(size) - 1, 0xCC);
+  EXPECT_EQ(
+      wrapper.encryptionPipelineEnqueue(plain.data(), 3, place.data(), static_cast<unsigned int>(size) - 1),
+      size);
+  EXPECT_EQ(wrapper.encryptionPipelinePlaced(), 0);
+  EXPECT_THAT(place, Each(0xCC));
+  EXPECT_EQ(wrapper.encryptionPipelineDequeue(records.data() + size, 1000), size);
+  EXPECT_EQ(link.decrypted(records), bytes("01 02 03 01 02 03"));
+}
+
 TEST_F(SslPipelineTest, NothingIsLaidWhileOlderCiphertextWaits) {
   Bytes plain = bytes("01 02 03");
-  Bytes place = filled(3 + SslWrapper::CIPHERTEXT_ROOM, 0xCC);
+  Bytes place = filled(1000, 0xCC);
   const int once = wrapper.encryptionPipelineEnqueue(plain.data(), 3);
-  EXPECT_FALSE(wrapper.encryptionPipelinePlace(place.data(), 3));
-  EXPECT_EQ(wrapper.encryptionPipelineEnqueue(plain.data(), 3), 2 * once);
+  EXPECT_EQ(wrapper.encryptionPipelineEnqueue(plain.data(), 3, place.data(), 1000), 2 * once);
+  EXPECT_EQ(wrapper.encryptionPipelinePlaced(), 0);
   EXPECT_THAT(place, Each(0xCC));
   Bytes records = filled(2 * static_cast<std::size_t>(once), 0);
-  EXPECT_EQ(wrapper.encryptionPipelineDequeue(records.data(), 2 * static_cast<unsigned int>(once)), 2 * once);
+  EXPECT_EQ(wrapper.encryptionPipelineDequeue(records.data(), 1000), 2 * once);
   EXPECT_EQ(link.decrypted(records), bytes("01 02 03 01 02 03"));
-  EXPECT_TRUE(wrapper.encryptionPipelinePlace(place.data(), 3));
-  EXPECT_EQ(wrapper.encryptionPipelineEnqueue(plain.data(), 3), once);
+}
+
+TEST_F(SslPipelineTest, WhatIsWrittenBehindALaidRecordIsKeptBehindIt) {
+  Bytes plain = bytes("01 02 03");
+  Bytes place = filled(1000, 0xCC);
+  const int once = wrapper.encryptionPipelineEnqueue(plain.data(), 3, place.data(), 1000);
+  EXPECT_EQ(wrapper.encryptionPipelineEnqueue(plain.data(), 3, place.data() + 500, 500), 2 * once);
+  EXPECT_EQ(wrapper.encryptionPipelinePlaced(), once);
+  EXPECT_THAT(part(place, static_cast<std::size_t>(once)), Each(0xCC));
+  Bytes records = filled(2 * static_cast<std::size_t>(once), 0);
+  EXPECT_EQ(wrapper.encryptionPipelineDequeue(records.data(), 1000), 2 * once);
+  EXPECT_EQ(link.decrypted(records), bytes("01 02 03 01 02 03"));
 }
 
 TEST_F(SslPipelineTest, APlaceIsForgottenWhenEncipheringFails) {
-  unsigned char nothing = 0;
-  Bytes place = filled(SslWrapper::CIPHERTEXT_ROOM, 0xCC);
-  ASSERT_TRUE(wrapper.encryptionPipelinePlace(place.data(), 0));
-  EXPECT_LT(wrapper.encryptionPipelineEnqueue(&nothing, 0), 1);
+  auto place = std::make_unique<Bytes>(filled(1000, 0xCC));
+  EXPECT_LT(wrapper.encryptionPipelineEnqueue(place->data(), 0, place->data(), 1000), 1);
+  EXPECT_THAT(*place, Each(0xCC));
+  place.reset();
   enciphersAsEver();
-  EXPECT_THAT(place, Each(0xCC));
 }
 
 TEST_F(SslPipelineTest, DeciphersWhatThePhoneSends) {
@@ -298,6 +325,7 @@ TEST_F(FrameEncryptionTest, FramesOfAllSizesAreEncipheredOneAfterAnother) {
     link.router()->queueOutgoing(0, message.data(), static_cast<unsigned int>(size));
     Bytes plain;
     while (plain.size() < size) {
+      out.start = 1;
       ASSERT_TRUE(link.channels().extractEncodedFrame(&out));
       EXPECT_EQ(out.capacity, out.end);
       EXPECT_EQ(out.start, 0U);
@@ -307,6 +335,41 @@ TEST_F(FrameEncryptionTest, FramesOfAllSizesAreEncipheredOneAfterAnother) {
     }
     EXPECT_EQ(plain, message);
   }
+}
+
+TEST_F(FrameEncryptionTest, AWholeMessageIsEncipheredInTheStorageThatItWasQueuedIn) {
+  IoBuffer out;
+  ChannelSet waiting;
+  const shared_ptr<Channel> target(new Channel(1, 0, &waiting));
+  const auto encipheredInItsStorage = [&](std::size_t size) {
+    Bytes message = pattern(size);
+    link.channels().messageToFrames(1, false, message.data(), static_cast<unsigned int>(size), target, true);
+    const shared_ptr<Frame> first = target->dequeueOutgoing();
+    while (target->hasOutgoing()) target->dequeueOutgoing();
+    const unsigned char* const storage = first->buffer->data;
+    link.channels().encodeFrame(first, &out);
+    EXPECT_EQ(link.decrypted(parseFrame(Bytes(out.content(), out.size())).payload),
+              part(message, 0, FRAGMENT));
+    EXPECT_EQ(out.data == storage, !first->buffer) << "the frame has it no longer";
+    EXPECT_EQ(out.data == storage, first->length == 0);
+    return out.data == storage;
+  };
+  EXPECT_TRUE(encipheredInItsStorage(FRAGMENT));
+  EXPECT_TRUE(encipheredInItsStorage(2048));
+  EXPECT_FALSE(encipheredInItsStorage(64)) << "it is sooner copied";
+  EXPECT_FALSE(encipheredInItsStorage(FRAGMENT + 1)) << "its other fragments lie there";
+}
+
+TEST_F(FrameEncryptionTest, AMessageMayLeaveBeforeItsSenderHasReturned) {
+  Bytes wire;
+  const EventAtPost posted([&] {
+    IoBuffer out;
+    EXPECT_TRUE(link.channels().extractEncodedFrame(&out));
+    wire = Bytes(out.content(), out.size());
+  });
+  Bytes message = pattern(FRAGMENT);
+  EXPECT_EQ(link.router()->queueOutgoing(0, message.data(), FRAGMENT), STATUS_SUCCESS);
+  EXPECT_EQ(link.decrypted(parseFrame(wire).payload), message);
 }
 
 TEST_F(FrameEncryptionTest, AFrameGoesOutBehindOlderCiphertextThatWaited) {

@@ -62,7 +62,8 @@ class VANTRY_EXPORT SslWrapper {
   void shutdown();
 
   /// Feeds the phone's handshake bytes (`data` null to begin) and takes a step. Of more than 1 MiB, many
-  /// times what OpenSSL accepts in one flight, only the first 1 MiB is looked at. Returns 1 when the
+  /// times what OpenSSL accepts in one flight, only the first 1 MiB is looked at; and no more is kept of what
+  /// comes when the handshake has ended. Returns 1 when the
   /// handshake is done; a negative number with a whole MESSAGE_SSL_HANDSHAKE in `out` when that is to be
   /// sent; anything else is a failure, as without a successful `init`.
   int handshake(void* data, unsigned int length, IoBuffer* out);
@@ -88,7 +89,8 @@ class VANTRY_EXPORT SslWrapper {
   int encryptionPipelineDequeue(void* data, unsigned int length);
 
   /// Takes the ciphertext of one frame; bytes that an earlier frame left over are thrown away first. Returns
-  /// what decryptionPipelinePending does, or below 1 on failure.
+  /// what decryptionPipelinePending does, or below 1 on failure. Records of a handshake are refused: there is
+  /// no second one.
   int decryptionPipelineEnqueue(void* data, unsigned int length);
 
   /// Fetches up to `length` plaintext bytes. Returns the count, negative on failure or when a record is

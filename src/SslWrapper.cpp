@@ -39,6 +39,12 @@ int logReadFailure(const SSL* ssl, int result) {
   return sslError;
 }
 
+/// What OpenSSL did not take of former messages counts too: after a handshake it takes nothing.
+unsigned int roomForHandshake(BIO* memory) {
+  return MOST_HANDSHAKE_BYTES -
+         std::min(MOST_HANDSHAKE_BYTES, static_cast<unsigned int>(BIO_pending(memory)));
+}
+
 /// Throws away what a former frame left in `memory`, which is about to be given `length` bytes.
 void emptyFor(unsigned int length, BIO* memory) {
   BUF_MEM* content = nullptr;
@@ -51,6 +57,16 @@ void emptyFor(unsigned int length, BIO* memory) {
   content->length = std::min<std::size_t>(content->max, length);
 }
 
+/// Whether one of the records is part of a handshake. OpenSSL would begin a new one, on the reader thread and
+/// amid what the writer enciphers with the same SSL; and no link needs one.
+bool holdsHandshake(const unsigned char* records, unsigned int length) {
+  for (unsigned int at = 0; at + SSL3_RT_HEADER_LENGTH <= length;) {
+    if (records[at] == SSL3_RT_HANDSHAKE) return true;
+    at += SSL3_RT_HEADER_LENGTH + readBigEndian16(records + at + 3);
+  }
+  return false;
+}
+
 }  // namespace
 
 void SslWrapper::setCertificateVerificationTime(time_t time) {
@@ -61,7 +77,8 @@ void SslWrapper::setCertificateVerificationTime(time_t time) {
 int SslWrapper::handshake(void* data, unsigned int length, IoBuffer* out) {
   if (ssl == nullptr) return -1;  // the host went on without credentials: no phone may bring it down by that
   forgetOpenSslErrors();
-  if (data != nullptr) BIO_write(readBio, data, static_cast<int>(std::min(length, MOST_HANDSHAKE_BYTES)));
+  if (data != nullptr)
+    BIO_write(readBio, data, static_cast<int>(std::min(length, roomForHandshake(readBio))));
   const int result = SSL_do_handshake(ssl);
   const int error = SSL_get_error(ssl, result);
   print_critical_i("[LHU] ssl state=%s, ret: %d, err: %d", SSL_state_string_long(ssl), result, error);
@@ -136,8 +153,11 @@ int SslWrapper::encryptionPipelineDequeue(void* data, unsigned int length) {
 }
 
 int SslWrapper::decryptionPipelineEnqueue(void* data, unsigned int length) {
-  emptyFor(length, readBio);
-  const int count = BIO_write(readBio, data, static_cast<int>(length));
+  int count = -1;
+  if (!holdsHandshake(static_cast<unsigned char*>(data), length)) {
+    emptyFor(length, readBio);
+    count = BIO_write(readBio, data, static_cast<int>(length));
+  }
   if (count < 1) {
     print_critical_i("[LHU] Failed to write data to the read bio!");
     return count;

@@ -173,6 +173,31 @@ TEST_F(SslPipelineTest, TakingNoCiphertextFailsWithALine) {
   EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Failed to write data to the read bio!"));
 }
 
+TEST_F(SslPipelineTest, HandshakeMessagesOnALinkThatIsUpDoNotPileUp) {
+  IoBuffer out;
+  Bytes noise = filled(600000, 0x55);
+  for (int i = 0; i < 3; ++i) wrapper.handshake(noise.data(), 600000, &out);
+  log.clear();
+  const Bytes records = link.encrypted(bytes("01 02 03"));
+  EXPECT_EQ(enqueues(records), static_cast<int>(records.size()));
+  EXPECT_THAT(log.critical(), ElementsAre("[LHU] Throwing away 1048576 bytes"));
+  EXPECT_EQ(dequeues(100), bytes("01 02 03"));
+}
+
+TEST_F(SslPipelineTest, ARecordOfASecondHandshakeIsRefusedAndHarmsNothing) {
+  const Bytes handshake = bytes("16 03 03 00 04 00 00 00 00");
+  EXPECT_LT(enqueues(handshake), 1);
+  EXPECT_LT(enqueues(bytes("17 03 03 00 02 AA BB") + handshake), 1) << "behind others, too";
+  EXPECT_THAT(log.all(), ElementsAre("critical [LHU] Failed to write data to the read bio!",
+                                     "critical [LHU] Failed to write data to the read bio!"));
+  Bytes records = link.encrypted(bytes("01 02 03"));
+  records = records + link.encrypted(filled(0x16, 0x16));
+  EXPECT_EQ(enqueues(records), static_cast<int>(records.size()));
+  EXPECT_EQ(dequeues(3), bytes("01 02 03"));
+  EXPECT_EQ(dequeues(100), filled(0x16, 0x16));
+  enciphersAsEver();
+}
+
 TEST_F(SslPipelineTest, WhatAnEarlierFrameLeftOverIsThrownAway) {
   const Bytes records = link.encrypted(bytes("01 02 03"));
   enqueues(part(records, 0, 10));

@@ -210,6 +210,20 @@ TEST_F(SslWrapperTest, GigabytesThatWereOnlyAnnouncedFailTheHandshakeWithoutACop
 #endif
 }
 
+TEST_F(SslWrapperTest, HandshakeMessagesBehindAFailedHandshakeDoNotPileUp) {
+  ASSERT_TRUE(init());
+  IoBuffer out;
+  Bytes noise = filled(1 << 20, 0x55);
+  wrapper.handshake(noise.data(), 1 << 20, &out);
+  ASSERT_EQ(wrapper.currentState(), SSL_WRAPPER_FAILED);
+  wrapper.handshake(noise.data(), 1 << 20, &out);
+  [[maybe_unused]] const long before = memoryKilobytes("VmHWM");
+  for (int i = 0; i < 20; ++i) wrapper.handshake(noise.data(), 1 << 20, &out);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // whose own book-keeping counts too
+  EXPECT_LT(memoryKilobytes("VmHWM") - before, 2 * 1024);
+#endif
+}
+
 TEST_F(SslWrapperTest, AStaleErrorOfTheHostDoesNotFailTheHandshake) {
   ASSERT_TRUE(init());
   ERR_raise(ERR_LIB_USER, 1);

@@ -1,5 +1,6 @@
 // ChannelManager's half that cuts messages into frames and puts received fragments together.
 
+#include <algorithm>
 #include <cassert>
 #include <cstdlib>
 #include <cstring>
@@ -29,7 +30,16 @@ int kindOfFragment(unsigned int offset, unsigned int left) {
 /// Storage for a message of which `sent` bytes are there; the others are zero, and memory for them is touched
 /// only when somebody reads it.
 bool allocateMessage(IoBuffer* message, unsigned int total, unsigned long long sent) {
-  message->data = static_cast<unsigned char*>(sent == total ? malloc(total) : calloc(total, 1));
+  constexpr unsigned int CHEAP_TO_CLEAR = 64 * 1024;
+  // From this size on the C library takes zeroed pages from the system instead of clearing memory that it
+  // has: below, that depends on what it was given back before, and more than the announced size costs
+  // nothing.
+  constexpr std::size_t ALWAYS_UNTOUCHED = 33U << 20;
+
+  const bool complete = sent == total;
+  const std::size_t size =
+      total - sent <= CHEAP_TO_CLEAR ? total : std::max<std::size_t>(total, ALWAYS_UNTOUCHED);
+  message->data = static_cast<unsigned char*>(complete ? malloc(size) : calloc(size, 1));
   if (message->data == nullptr && total > 0) return false;
   message->capacity = message->end = total;
   return true;

@@ -37,9 +37,9 @@ enum SslWrapperState : int {
 ///
 /// The two pipelines share one SSL and touch different halves of it, but for what OpenSSL notes of the last
 /// call: whether it wants more bytes. Only a failure is judged by that, so while the writer enciphers, the
-/// reason told for a failed read may be the wrong one. And of a damaged record OpenSSL tells the peer by an
-/// alert that it writes from the reader thread, possibly while the writer enciphers: what the head unit sends
-/// from then on may be damaged too. A damaged record ends the link in any case.
+/// reason told for a failed read may be the wrong one. And a damaged record OpenSSL would answer by an alert,
+/// which it enciphers on the reader thread, possibly while the writer enciphers: what the head unit sends
+/// from then on may be damaged too. A damaged record ends the link in any case, and the alert is not sent.
 class VANTRY_EXPORT SslWrapper {
  public:
   SslWrapper() = default;

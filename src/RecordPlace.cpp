@@ -32,9 +32,8 @@ const BIO_METHOD* RecordPlace::memoryBio() {
 
 void RecordPlace::open(BIO* memory, void* where, unsigned int room) {
   memory_ = memory;
-  where_ = static_cast<unsigned char*>(where);
-  room_ = room;
-  filled_ = 0;
+  room_ = filled_ == 0 ? room : 0;
+  if (room_ > 0) where_ = static_cast<unsigned char*>(where);
   openPlace = this;
 }
 
@@ -50,17 +49,17 @@ unsigned int RecordPlace::take(void* destination, unsigned int length) {
 
 bool RecordPlace::accepts(BIO* memory, const char* data, int size) const {
   // An alert of this thread's own would lie in the way of the record behind it.
-  return memory == memory_ && size > 0 && data[0] == SSL3_RT_APPLICATION_DATA && filled_ == 0 &&
-         static_cast<unsigned int>(size) <= room_ && BIO_ctrl_pending(memory) == 0;
+  return size > 0 && data[0] == SSL3_RT_APPLICATION_DATA && static_cast<unsigned int>(size) <= room_ &&
+         BIO_ctrl_pending(memory) == 0;
 }
 
 int RecordPlace::write(BIO* memory, const char* data, int size) {
-  RecordPlace* const place = openPlace;
-  if (place == nullptr || !place->accepts(memory, data, size)) {
-    return writeToMemory(memory, data, size);
-  }
   BIO_clear_retry_flags(memory);
+  RecordPlace* const place = openPlace;
+  if (place == nullptr || place->memory_ != memory) return size;  // dropped
+  if (!place->accepts(memory, data, size)) return writeToMemory(memory, data, size);
   memcpy(place->where_, data, static_cast<unsigned int>(size));
   place->filled_ = static_cast<unsigned int>(size);
+  place->room_ = 0;
   return size;
 }

@@ -2,23 +2,24 @@
 
 #include <openssl/bio.h>
 
-/// Has the record that a thread is about to write to a memory BIO laid where it is wanted, so that to fetch
-/// it moves no byte.
+/// Has what OpenSSL writes for a thread gathered in a memory BIO, or a record laid where it is wanted, so
+/// that to fetch it moves no byte.
 ///
-/// Only the thread that opened the place writes there. Whoever else writes to the BIO meanwhile, such as a
-/// reader whom OpenSSL has answer a damaged record by an alert, writes to the BIO's own memory as ever.
+/// Only what a thread writes between `open` and `close` counts. Whatever else OpenSSL has to say is dropped:
+/// the alert that answers a damaged record on the reader thread would be written amid what the writer
+/// enciphers, and it could never leave, since behind it OpenSSL enciphers nothing any more.
 class RecordPlace {
  public:
   RecordPlace() = default;
   RecordPlace(const RecordPlace&) = delete;
   RecordPlace& operator=(const RecordPlace&) = delete;
 
-  /// OpenSSL's memory BIO, which besides looks for the place that the writing thread has open.
+  /// OpenSSL's memory BIO, but for the writing.
   static const BIO_METHOD* memoryBio();
 
-  /// From now to `close`, on this thread: one record of application data for `memory` goes to `where`, if it
-  /// fits into `room` bytes and nothing older waits in `memory`. All else goes to `memory`.
-  void open(BIO* memory, void* where, unsigned int room);
+  /// From now to `close`, what this thread writes to `memory` is kept: one record of application data at
+  /// `where`, if it fits into `room` bytes and nothing older waits, all else in `memory`.
+  void open(BIO* memory, void* where = nullptr, unsigned int room = 0);
   void close();
 
   /// How many bytes lie at the place. They are older than what waits in the BIO.

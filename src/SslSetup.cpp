@@ -76,6 +76,7 @@ bool SslWrapper::createContext() {
 }
 
 bool SslWrapper::createConnection() {
+  place = new RecordPlace();
   ssl = SSL_new(sslContext);
   if (ssl == nullptr) return fail("[LHU] Failed to allocate SSL.");
   if (SSL_check_private_key(ssl) != 1) return fail("[LHU] SSL check private key failed!");
@@ -89,7 +90,6 @@ bool SslWrapper::createConnection() {
   BIO_set_ssl(sslBio, ssl, BIO_NOCLOSE);
   BIO_set_ssl_renegotiate_timeout(sslBio, RENEGOTIATE_AFTER_SECONDS);
   SSL_set_connect_state(ssl);
-  place = new RecordPlace();
   return true;
 }
 

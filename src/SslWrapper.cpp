@@ -79,7 +79,9 @@ int SslWrapper::handshake(void* data, unsigned int length, IoBuffer* out) {
   forgetOpenSslErrors();
   if (data != nullptr)
     BIO_write(readBio, data, static_cast<int>(std::min(length, roomForHandshake(readBio))));
+  place->open(writeBio);
   const int result = SSL_do_handshake(ssl);
+  place->close();
   const int error = SSL_get_error(ssl, result);
   print_critical_i("[LHU] ssl state=%s, ret: %d, err: %d", SSL_state_string_long(ssl), result, error);
   ERR_remove_thread_state(nullptr);
@@ -125,17 +127,15 @@ bool SslWrapper::verifyPeer() {
 
 unsigned int SslWrapper::encryptionPipelinePlaced() const { return place != nullptr ? place->filled() : 0; }
 
-int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length, void* where, unsigned int room) {
-  if (encryptionPipelinePlaced() > 0) return encryptionPipelineEnqueue(data, length);
-  if (place != nullptr) place->open(writeBio, where, room);
-  const int count = encryptionPipelineEnqueue(data, length);
-  if (place != nullptr) place->close();
-  return count;
+int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length) {
+  return encryptionPipelineEnqueue(data, length, nullptr, 0);
 }
 
-int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length) {
+int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length, void* where, unsigned int room) {
   // What the host left in OpenSSL's error queue does no harm here: nothing asks for the reason of a failure.
+  if (place != nullptr) place->open(writeBio, where, room);
   const int count = BIO_write(sslBio, data, static_cast<int>(length));
+  if (place != nullptr) place->close();
   if (count < 1) {
     print_critical_i("[LHU] Failed to write data to mSsl!");
     return count;

@@ -34,7 +34,8 @@ struct RecordPlaceTest : testing::Test {
   }
 };
 
-TEST_F(RecordPlaceTest, WithoutAPlaceItIsAMemoryBioAsAnyOther) {
+TEST_F(RecordPlaceTest, WithoutAPlaceWhatIsWrittenIsKeptInMemory) {
+  place.open(memory);
   writes(record);
   writes(alert);
   EXPECT_EQ(inMemory(), record + alert);
@@ -53,12 +54,15 @@ TEST_F(RecordPlaceTest, ARecordGoesToTheOpenPlace) {
   EXPECT_EQ(place.take(wanted.data(), 6), 0) << "it has been fetched";
 }
 
-TEST_F(RecordPlaceTest, WhatAnotherThreadWritesGoesToMemory) {
+TEST_F(RecordPlaceTest, WhatAnotherThreadWritesIsDropped) {
   place.open(memory, wanted.data(), 8);
-  std::thread([&] { writes(record); }).join();
+  std::thread([&] {
+    writes(record);
+    writes(alert);
+  }).join();
   EXPECT_EQ(place.filled(), 0);
   EXPECT_THAT(wanted, Each(0xCC));
-  EXPECT_EQ(inMemory(), record);
+  EXPECT_EQ(inMemory(), Bytes());
 }
 
 TEST_F(RecordPlaceTest, AnAlertGoesToMemoryAndTheRecordBehindItToo) {
@@ -86,21 +90,35 @@ TEST_F(RecordPlaceTest, ARecordThatDoesNotFitGoesToMemory) {
   EXPECT_EQ(inMemory(), record);
 }
 
-TEST_F(RecordPlaceTest, WhatIsWrittenToAnotherBioStaysThere) {
+TEST_F(RecordPlaceTest, WhatIsWrittenToAnotherBioIsDropped) {
   BIO* const other = BIO_new(RecordPlace::memoryBio());
   place.open(other, wanted.data(), 8);
   writes(record);
   EXPECT_THAT(wanted, Each(0xCC));
-  EXPECT_EQ(inMemory(), record);
+  EXPECT_EQ(inMemory(), Bytes());
   BIO_free(other);
 }
 
-TEST_F(RecordPlaceTest, AClosedPlaceIsLeftAlone) {
+TEST_F(RecordPlaceTest, WhatIsWrittenBehindTheEndIsDropped) {
   place.open(memory, wanted.data(), 8);
   place.close();
   writes(record);
   EXPECT_THAT(wanted, Each(0xCC));
+  EXPECT_EQ(inMemory(), Bytes());
+}
+
+TEST_F(RecordPlaceTest, APlaceThatIsFullStaysUntilItIsEmptied) {
+  place.open(memory, wanted.data(), 8);
+  writes(record);
+  place.close();
+  Bytes later = filled(8, 0xDD);
+  place.open(memory, later.data(), 8);
+  writes(record);
+  EXPECT_THAT(later, Each(0xDD));
   EXPECT_EQ(inMemory(), record);
+  EXPECT_EQ(place.take(wanted.data(), 6), 6);
+  writes(record);
+  EXPECT_THAT(later, Each(0xDD)) << "what was told when it was full is no place";
 }
 
 TEST_F(RecordPlaceTest, ARecordIsTakenInPiecesToElsewhere) {

@@ -163,7 +163,7 @@ class SdlMicrophone : public Microphone {
 /// What a WAVE file holds.
 struct Recording {
   struct Free {
-    void operator()(Uint8* bytes) const { SDL_FreeWAV(bytes); }
+    void operator()(Uint8* wave) const { SDL_FreeWAV(wave); }
   };
 
   std::size_t frameSize() const { return SDL_AUDIO_BITSIZE(format.format) / 8U * format.channels; }

@@ -107,7 +107,9 @@ class FileMaker {
 
   void tag(const char* name, const char* value) { av_dict_set(&output_->metadata, name, value, 0); }
 
-  void begin() {
+  void begin(const Settings& container = {}) {
+    for (const auto& [name, value] : container)
+      av_opt_set(output_->priv_data, name.c_str(), value.c_str(), 0);
     require(avformat_write_header(output_, nullptr) >= 0, "no header");
     if (cover_.empty()) return;
     const phone::PacketPtr packet(av_packet_alloc());
@@ -145,6 +147,7 @@ class FileMaker {
 struct VideoRecipe {
   const char* codec = "libx264";
   FileMaker::Settings settings;
+  FileMaker::Settings container;
   int width = 320;
   int height = 192;
   int fps = 30;
@@ -211,7 +214,7 @@ inline void writeVideo(const std::string& path, const VideoRecipe& recipe, const
     codec->flags |= AV_CODEC_FLAG_QSCALE;
     codec->global_quality = 2 * FF_QP2LAMBDA;
   });
-  file.begin();
+  file.begin(recipe.container);
   for (int i = 0; i < recipe.frames; ++i) {
     const phone::FramePtr frame = phone::makeYuvFrame(recipe.width, recipe.height);
     frame->format = recipe.format;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -17,8 +18,9 @@ class Demuxer {
   /// Fills `*packet` with the stream's next packet; false at the end of the file or where it breaks off.
   [[nodiscard]] bool next(AVPacket* packet);
 
-  /// Why next() came to no end of the file but broke off; empty if it did not.
-  std::string problem() const { return problem_ < 0 ? ffmpegError(problem_) : std::string(); }
+  /// Why next() came to no end of the file but broke off, or to an end that is not the one which the file
+  /// announces; empty otherwise.
+  std::string problem() const { return problem_; }
 
   const AVStream& stream() const { return *format_->streams[stream_]; }
 
@@ -34,11 +36,17 @@ class Demuxer {
   const AVFormatContext& format() const { return *format_; }
 
  private:
-  Demuxer(FormatPtr format, int stream) : format_(std::move(format)), stream_(stream) {}
+  Demuxer(FormatPtr format, int stream, bool isCut)
+      : format_(std::move(format)), stream_(stream), isCut_(isCut) {}
+  void note(const AVPacket& packet);
+  std::string shortfall() const;
 
   FormatPtr format_;
   int stream_;
-  int problem_ = 0;
+  bool isCut_;               // the file ends inside of what its format is made of
+  bool isLastPart_ = false;  // the last packet is there in part only
+  std::int64_t endUs_ = 0;   // of what was read
+  std::string problem_;
 };
 
 }  // namespace phone

@@ -162,6 +162,7 @@ bool prepare(Options* options, Preparation* prepared, std::string* error) {
   prepared->credentials = loadCredentials(options->credentials, error);
   if (!prepared->credentials) return false;
   prepared->video = openVideo(*options, options->size, error);
+  if (prepared->video && !prepared->video->remark().empty()) spdlog::warn("{}", prepared->video->remark());
   if (!prepared->video || !readMusic(*options, &prepared->songs, error) || !settleSound(options, error)) {
     return false;
   }

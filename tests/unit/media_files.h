@@ -20,6 +20,7 @@
 #include "phone/media/VideoSource.h"
 
 extern "C" {
+#include <libavutil/display.h>
 #include <libavutil/opt.h>
 }
 
@@ -107,6 +108,14 @@ class FileMaker {
 
   void tag(const char* name, const char* value) { av_dict_set(&output_->metadata, name, value, 0); }
 
+  /// Wants the pictures turned before they are shown; to be called after `addStream`.
+  void turn(int degreesClockwise) {
+    auto* matrix = reinterpret_cast<std::int32_t*>(
+        av_stream_new_side_data(stream_, AV_PKT_DATA_DISPLAYMATRIX, 9 * sizeof(std::int32_t)));
+    require(matrix != nullptr, "no memory");
+    av_display_rotation_set(matrix, degreesClockwise);
+  }
+
   void begin(const Settings& container = {}) {
     for (const auto& [name, value] : container)
       av_opt_set(output_->priv_data, name.c_str(), value.c_str(), 0);
@@ -148,6 +157,7 @@ struct VideoRecipe {
   const char* codec = "libx264";
   FileMaker::Settings settings;
   FileMaker::Settings container;
+  int turn = 0;  // clockwise, in degrees
   int width = 320;
   int height = 192;
   int fps = 30;
@@ -214,6 +224,7 @@ inline void writeVideo(const std::string& path, const VideoRecipe& recipe, const
     codec->flags |= AV_CODEC_FLAG_QSCALE;
     codec->global_quality = 2 * FF_QP2LAMBDA;
   });
+  if (recipe.turn != 0) file.turn(recipe.turn);
   file.begin(recipe.container);
   for (int i = 0; i < recipe.frames; ++i) {
     const phone::FramePtr frame = phone::makeYuvFrame(recipe.width, recipe.height);

@@ -254,6 +254,14 @@ TEST_F(PhonePassthrough, AFileThatBreaksOffEndsThere) {
   EXPECT_LT(units.size(), 12U);
 }
 
+TEST_F(PhonePassthrough, SaysThatThePicturesLieOnTheirSide) {
+  VideoRecipe recipe;
+  EXPECT_EQ(open(numbered("a.mp4", recipe))->remark(), "");
+  recipe.turn = 90;
+  EXPECT_THAT(open(numbered("turned.mp4", recipe))->remark(),
+              AllOf(HasSubstr("turned.mp4' are to be turned by 90 degrees clockwise"), EndsWith(".")));
+}
+
 /// Everything that is not H.264.
 struct PhoneTranscoding : VideoFile {
   static VideoOptions sized(int width, int height, int fps) {
@@ -378,6 +386,73 @@ TEST_F(PhoneTranscoding, KeepsProportionsBetweenBlackBars) {
   EXPECT_NEAR(middle[630], 200, 3);
   EXPECT_NEAR(middle[650], 16, 3);
   EXPECT_NEAR(frame->data[0][400], 200, 3) << "no bar above";
+}
+
+/// How bright the left, the upper, the right and the lower part are that a source shows first.
+std::vector<int> brightnessAround(VideoSource* source) {
+  Viewer viewer(source->codecConfig());
+  const std::vector<AccessUnit> units = drain(source);
+  const AVFrame* frame = viewer.show(units.at(0));
+  require(frame != nullptr, "no picture");
+  const auto at = [frame](int x, int y) { return int{frame->data[0][y * frame->linesize[0] + x]}; };
+  const int x = frame->width / 2;
+  const int y = frame->height / 2;
+  return {at(x - 80, y), at(x, y - 80), at(x + 80, y), at(x, y + 80)};
+}
+
+TEST_F(PhoneTranscoding, TurnsPicturesByQuarters) {
+  VideoRecipe recipe = mpeg4();
+  recipe.width = recipe.height = 240;
+  recipe.frames = 1;
+  const auto bright = [](int value) {
+    return testing::AllOf(testing::Gt(value - 5), testing::Lt(value + 5));
+  };
+  // Four values from the left clockwise; each quarter of a turn hands them on.
+  std::vector<int> values = {40, 90, 140, 190};
+  for (const int turn : {0, 90, 180, 270}) {
+    SCOPED_TRACE(turn);
+    recipe.turn = turn;
+    writeVideo(folder / "a.mp4", recipe, [](int, AVFrame* frame) {
+      for (int y = 0; y < frame->height; ++y) {
+        for (int x = 0; x < frame->width; ++x) {
+          const bool left = x < y && x < frame->height - y;
+          const bool upper = x >= y && x < frame->height - y;
+          const bool right = x >= y && x >= frame->height - y;
+          frame->data[0][y * frame->linesize[0] + x] = left ? 40 : upper ? 90 : right ? 140 : 190;
+        }
+      }
+      for (int plane : {1, 2})
+        std::fill_n(frame->data[plane], frame->linesize[plane] * frame->height / 2, std::uint8_t{128});
+    });
+    const auto source = open(folder / "a.mp4", sized(480, 240, 30));
+    EXPECT_EQ(source->remark(), "");
+    EXPECT_THAT(brightnessAround(source.get()),
+                ElementsAre(bright(values[0]), bright(values[1]), bright(values[2]), bright(values[3])));
+    std::rotate(values.begin(), values.end() - 1, values.end());
+  }
+}
+
+TEST_F(PhoneTranscoding, FitsATurnedPictureByItsTurnedShape) {
+  VideoRecipe recipe = mpeg4();
+  recipe.frames = 1;
+  recipe.turn = 90;
+  const auto source = open(numbered("a.mp4", recipe), sized(800, 480, 30));
+  Viewer viewer(source->codecConfig());
+  const std::vector<AccessUnit> units = drain(source.get());
+  const AVFrame* frame = viewer.show(units.at(0));
+  ASSERT_NE(frame, nullptr);
+  // 400x240 lies; it stands 288 wide and 480 high, between bars of 256.
+  const std::uint8_t* middle = frame->data[0] + 240 * frame->linesize[0];
+  EXPECT_NEAR(middle[246], 16, 3);
+  EXPECT_GT(*std::max_element(middle + 260, middle + 540), 30);
+  EXPECT_NEAR(middle[554], 16, 3);
+}
+
+TEST_F(PhoneTranscoding, SaysThatNothingButQuartersOfATurnIsDone) {
+  VideoRecipe recipe = mpeg4();
+  recipe.turn = 135;
+  EXPECT_THAT(open(numbered("a.mp4", recipe), sized(400, 240, 30))->remark(),
+              HasSubstr("are to be turned by 135 degrees clockwise, and are shown unturned"));
 }
 
 TEST_F(PhoneTranscoding, BrightnessOfFullRangePicturesIsKept) {

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
 
 extern "C" {
+#include <libavutil/display.h>
 #include <libavutil/parseutils.h>
 }
 
@@ -155,6 +157,14 @@ std::string Demuxer::shortfall() const {
   std::snprintf(text.data(), text.size(), "it ends after %.1f s of the %.1f s that it announces",
                 static_cast<double>(endUs_) / 1e6, static_cast<double>(announced) / 1e6);
   return text.data();
+}
+
+int Demuxer::turn() const {
+  std::size_t size = 0;
+  const std::uint8_t* const matrix = av_stream_get_side_data(&stream(), AV_PKT_DATA_DISPLAYMATRIX, &size);
+  if (matrix == nullptr || size < 9 * sizeof(std::int32_t)) return 0;
+  const double back = av_display_rotation_get(reinterpret_cast<const std::int32_t*>(matrix));
+  return std::isfinite(back) ? (static_cast<int>(std::lround(-back)) % 360 + 360) % 360 : 0;
 }
 
 std::string Demuxer::tag(const char* name) const {

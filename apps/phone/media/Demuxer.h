@@ -27,6 +27,9 @@ class Demuxer {
   /// The stream's own frame rate, or `fallback` if it tells none.
   AVRational frameRate(int fallback) const;
 
+  /// By how many degrees, 0 to 359, the pictures are to be turned clockwise before they are shown.
+  int turn() const;
+
   /// Whether the container's times can leap from one packet to the next, as in a recorded broadcast.
   bool mayJump() const { return (format_->iformat->flags & AVFMT_TS_DISCONT) != 0; }
 

@@ -19,6 +19,11 @@ std::string breakOff(const std::string& path, const std::string& problem) {
   return problem.empty() ? problem : "the file '" + path + "' breaks off: " + problem;
 }
 
+std::string notTurned(const std::string& path, int degrees, const std::string& reason) {
+  return "The pictures of '" + path + "' are to be turned by " + std::to_string(degrees) +
+         " degrees clockwise, and are shown unturned: " + reason + ".";
+}
+
 FramePtr makeYuvFrame(int width, int height) {
   FramePtr frame(av_frame_alloc());
   if (!frame) return nullptr;

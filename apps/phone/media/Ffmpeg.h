@@ -39,6 +39,10 @@ std::string ffmpegError(int number);
 /// What the user is told of a file that could be read no further because of `problem`; empty without one.
 std::string breakOff(const std::string& path, const std::string& problem);
 
+/// What the user is told of pictures that are not turned by `degrees` clockwise, though the file wants it,
+/// because of `reason`.
+std::string notTurned(const std::string& path, int degrees, const std::string& reason);
+
 /// A YUV 4:2:0 frame with its own buffers; null if there is no memory for it.
 FramePtr makeYuvFrame(int width, int height);
 

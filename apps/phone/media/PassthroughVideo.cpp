@@ -90,6 +90,11 @@ bool PassthroughVideo::restart() {
   return readFromKeyframe();
 }
 
+std::string PassthroughVideo::remark() const {
+  const int degrees = demuxer_->turn();
+  return degrees == 0 ? "" : notTurned(path_, degrees, "H.264 is handed on as it is");
+}
+
 void PassthroughVideo::stamp(AccessUnit* unit) {
   const AVRational base = filter_->time_base_out;
   unit->dueUs = clock_.stamp(packet_->dts, packet_->duration, base);

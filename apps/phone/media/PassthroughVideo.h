@@ -23,6 +23,7 @@ class PassthroughVideo : public VideoSource {
   std::vector<std::uint8_t> codecConfig() override { return config_; }
   bool next(AccessUnit* unit) override;
   std::string problem() const override { return problem_; }
+  std::string remark() const override;
   int width() const override { return width_; }
   int height() const override { return height_; }
 

@@ -52,28 +52,56 @@ void setRanges(SwsContext* scaler, const AVFrame& source) {
 }  // namespace
 
 bool PictureFitter::prepare() {
-  // The encoder may still hold the picture of the call before.
+  const bool lies = quarterTurns_ % 2 != 0;
+  if (quarterTurns_ != 0 && !unturned_) {
+    unturned_ = makeYuvFrame(lies ? height_ : width_, lies ? width_ : height_);
+  }
   if (!result_) result_ = makeYuvFrame(width_, height_);
-  return result_ && av_frame_make_writable(result_.get()) >= 0;
+  // The encoder may still hold the picture of the call before.
+  return result_ && av_frame_make_writable(result_.get()) >= 0 && (quarterTurns_ == 0 || unturned_);
+}
+
+void PictureFitter::turnPlane(std::size_t plane) {
+  const int width = plane == 0 ? width_ : width_ / 2;
+  const int height = plane == 0 ? height_ : height_ / 2;
+  const std::ptrdiff_t stride = unturned_->linesize[plane];
+  const std::uint8_t* const from = unturned_->data[plane];
+  for (int y = 0; y < height; ++y) {
+    // Where the row's first pixel comes from, and how far it is from there to the next one's.
+    const std::uint8_t* at = from + (height - 1 - y) * stride + width - 1;
+    std::ptrdiff_t step = -1;
+    if (quarterTurns_ == 1) {
+      at = from + (width - 1) * stride + y;
+      step = -stride;
+    } else if (quarterTurns_ == 3) {
+      at = from + height - 1 - y;
+      step = stride;
+    }
+    std::uint8_t* to = result_->data[plane] + y * std::ptrdiff_t{result_->linesize[plane]};
+    for (int x = 0; x < width; ++x) to[x] = at[x * step];
+  }
 }
 
 AVFrame* PictureFitter::fit(const AVFrame& source, AVRational aspect) {
   if (source.width <= 0 || source.height <= 0 || !prepare()) return nullptr;
-  const Area area = inside(width_, height_, proportionOf(source, aspect));
+  AVFrame* const fitted = quarterTurns_ == 0 ? result_.get() : unturned_.get();
+  const Area area = inside(fitted->width, fitted->height, proportionOf(source, aspect));
   scaler_.reset(sws_getCachedContext(scaler_.release(), source.width, source.height,
                                      static_cast<AVPixelFormat>(source.format), area.width, area.height,
                                      AV_PIX_FMT_YUV420P, SWS_BICUBIC, nullptr, nullptr, nullptr));
   if (!scaler_) return nullptr;
   setRanges(scaler_.get(), source);
-  fillBlack(result_.get());
+  fillBlack(fitted);
   std::array<std::uint8_t*, 3> planes{};
   for (std::size_t i = 0; i < 3; ++i) {
     const int shift = i == 0 ? 0 : 1;
-    planes[i] = result_->data[i] + (area.y >> shift) * result_->linesize[i] + (area.x >> shift);
+    planes[i] = fitted->data[i] + (area.y >> shift) * fitted->linesize[i] + (area.x >> shift);
   }
   const int rows = sws_scale(scaler_.get(), source.data, source.linesize, 0, source.height, planes.data(),
-                             result_->linesize);
-  return rows == area.height ? result_.get() : nullptr;
+                             fitted->linesize);
+  if (rows != area.height) return nullptr;
+  for (std::size_t plane = 0; quarterTurns_ != 0 && plane < 3; ++plane) turnPlane(plane);
+  return result_.get();
 }
 
 }  // namespace phone

@@ -3,6 +3,11 @@
 #include <utility>
 
 namespace phone {
+namespace {
+
+int quarterTurns(const Demuxer& demuxer) { return demuxer.turn() % 90 == 0 ? demuxer.turn() / 90 : 0; }
+
+}  // namespace
 
 TranscodedVideo::TranscodedVideo(const std::string& path, std::unique_ptr<MediaDecoder> decoder,
                                  std::unique_ptr<H264Encoder> encoder, const VideoOptions& options)
@@ -10,7 +15,7 @@ TranscodedVideo::TranscodedVideo(const std::string& path, std::unique_ptr<MediaD
       options_(options),
       decoder_(std::move(decoder)),
       encoder_(std::move(encoder)),
-      fitter_(options.width, options.height),
+      fitter_(options.width, options.height, quarterTurns(decoder_->demuxer())),
       clock_(decoder_->demuxer().frameRate(options.fps), decoder_->demuxer().mayJump()),
       current_(av_frame_alloc()),
       ahead_(av_frame_alloc()) {}
@@ -30,6 +35,11 @@ std::unique_ptr<TranscodedVideo> TranscodedVideo::open(const std::string& path,
     return nullptr;
   }
   return video;
+}
+
+std::string TranscodedVideo::remark() const {
+  const int degrees = decoder_->demuxer().turn();
+  return degrees % 90 == 0 ? "" : notTurned(path_, degrees, "only quarters of a turn are done");
 }
 
 bool TranscodedVideo::restart() {

@@ -25,6 +25,7 @@ class TranscodedVideo : public VideoSource {
   std::vector<std::uint8_t> codecConfig() override { return encoder_->codecConfig(); }
   bool next(AccessUnit* unit) override;
   std::string problem() const override { return problem_; }
+  std::string remark() const override;
   int width() const override { return options_.width; }
   int height() const override { return options_.height; }
 

@@ -43,13 +43,17 @@ class VideoSource {
   /// Why next() came to no end but broke off, as words for the user; empty if it did not.
   virtual std::string problem() const { return {}; }
 
+  /// What is not shown as the file wants it, as a sentence for the user; empty if nothing.
+  virtual std::string remark() const { return {}; }
+
   virtual int width() const = 0;
   virtual int height() const = 0;
 };
 
 /// Opens a local video file of any kind that FFmpeg reads. H.264 is handed on as it is; anything else is
-/// decoded, scaled to the wanted size with its proportions kept, brought to the wanted frame rate and encoded
-/// as it is read. Null on failure, with a whole sentence for the user in `*error`.
+/// decoded, turned as the file wants it if that is by quarters, scaled to the wanted size with its
+/// proportions kept, brought to the wanted frame rate and encoded as it is read. Null on failure, with a
+/// whole sentence for the user in `*error`.
 std::unique_ptr<VideoSource> openVideoFile(const std::string& path, const VideoOptions& options,
                                            std::string* error);
 

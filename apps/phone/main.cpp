@@ -131,8 +131,7 @@ int report(const Options& options, const PhoneSession* session, const LinkEnd& e
   return status == exitClean ? exitUsage : status;
 }
 
-int runLink(const Options& options, Preparation prepared, CarJournal* journal) {
-  Wake* const wake = wakeOnSignals();
+int runLink(const Options& options, Preparation prepared, CarJournal* journal, Wake* wake) {
   std::string error;
   Socket socket = reachHeadUnit(options, prepared.listener, wake, &error);
   prepared.listener.close();
@@ -170,7 +169,7 @@ bool prepare(Options* options, Preparation* prepared, std::string* error) {
   return !options->listens || prepared->listener;
 }
 
-int run(Options options) {
+int run(Options options, Wake* wake) {
   std::string error;
   Preparation prepared;
   CarJournal journal;
@@ -181,7 +180,7 @@ int run(Options options) {
   if (const std::string doubts = doubtsAbout(*prepared.credentials); !doubts.empty()) {
     spdlog::warn("{}; the head unit will probably refuse it", doubts);
   }
-  return runLink(options, std::move(prepared), &journal);
+  return runLink(options, std::move(prepared), &journal, wake);
 }
 
 }  // namespace
@@ -189,13 +188,15 @@ int run(Options options) {
 
 int main(int argc, char** argv) {
   try {
-    if (argc > 1 && std::string(argv[1]) == "verify") return phone::runVerify(argc - 1, argv + 1);
-    if (phone::asksForScenario(argc, argv)) return phone::runScenario(argc, argv);
+    // Whatever has to be read before there is a link, an interrupt finds somebody who heeds it.
+    phone::Wake* const wake = phone::wakeOnSignals();
+    if (argc > 1 && std::string(argv[1]) == "verify") return phone::runVerify(argc - 1, argv + 1, wake);
+    if (phone::asksForScenario(argc, argv)) return phone::runScenario(argc, argv, wake);
     int status = 0;
     const auto options = phone::readOptions(argc, argv, &status);
     if (!options) return status;
     phone::setUpLog(options->verbose);
-    return phone::run(*options);
+    return phone::run(*options, wake);
   } catch (const std::exception& failure) {
     spdlog::error("phone: {}; this should not happen", failure.what());
     return phone::exitLink;

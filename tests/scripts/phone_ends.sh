@@ -36,3 +36,30 @@ for signal in INT TERM HUP; do
   grep -q 'not run: interrupted' "$tmp/$signal.xml" || fail "no JUnit XML after SIG$signal"
   grep -q 'not run' "$tmp/$signal.html" || fail "no page after SIG$signal"
 done
+
+# Interrupted before it has read what it needs, it ends in good order, too. It reads its credentials from a pipe here, and
+# so waits until it was interrupted.
+cp -r "$tmp/credentials" "$tmp/slow"
+rm "$tmp/slow/root.pem"
+mkfifo "$tmp/slow/root.pem"
+interrupt_early() {
+  exec {output}< <(exec "$phone" "$@" --listen 127.0.0.1:0 --credentials "$tmp/slow" 2>"$tmp/log")
+  pid=$!
+  exec {input}>"$tmp/slow/root.pem"
+  kill -s "$signal" "$pid"
+  cat "$tmp/credentials/root.pem" >&"$input"
+  exec {input}>&-
+  cat <&"$output" >"$tmp/out"
+  status=0
+  wait "$pid" || status=$?
+}
+for signal in INT TERM HUP; do
+  interrupt_early --stats "$tmp/early.json"
+  ((status == 0)) || fail "status $status after SIG$signal at the start: $(cat "$tmp/log")"
+  grep -q '"clean": true' "$tmp/early.json" || fail "no statistics after SIG$signal at the start"
+  rm "$tmp/early.json"
+  interrupt_early verify
+  ((status == 2)) || fail "status $status of a conformance run after SIG$signal at the start: $(cat "$tmp/log")"
+  interrupt_early --scenario radio
+  ((status == 3)) || fail "status $status of a scenario after SIG$signal at the start: $(cat "$tmp/log")"
+done

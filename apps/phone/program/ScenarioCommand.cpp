@@ -6,7 +6,6 @@
 #include "common/InputFile.h"
 #include "phone/program/Files.h"
 #include "phone/program/Peer.h"
-#include "phone/program/Signals.h"
 #include "phone/scenario/Scenario.h"
 
 namespace phone {
@@ -68,9 +67,10 @@ std::optional<scenario::Scenario> find(const std::string& name, std::string* err
   return read;
 }
 
-int play(const ScenarioOptions& options, const scenario::Scenario& wanted, const Credentials& credentials) {
+int play(const ScenarioOptions& options, const scenario::Scenario& wanted, const Credentials& credentials,
+         Wake* wake) {
   std::string error;
-  const auto headUnit = headUnitAt(options.peer, wakeOnSignals(), &error);
+  const auto headUnit = headUnitAt(options.peer, wake, &error);
   if (!headUnit) return complain(error);
   const auto verdict = scenario::play(wanted, headUnit.get(), credentials, [](const scenario::Step& step) {
     std::printf("%s\n", step.name.c_str());
@@ -92,7 +92,7 @@ bool asksForScenario(int argc, char** argv) {
   return false;
 }
 
-int runScenario(int argc, char** argv) {
+int runScenario(int argc, char** argv, Wake* wake) {
   ScenarioOptions options;
   CLI::App app("Plays a scenario to a head unit: what to open, send and expect.", "vantry-phone");
   describe(&app, &options);
@@ -113,7 +113,7 @@ int runScenario(int argc, char** argv) {
   const auto wanted = find(options.scenario, &error);
   const auto credentials = wanted ? loadCredentials(options.credentials, &error) : std::nullopt;
   if (!credentials) return complain(error);
-  return play(options, *wanted, *credentials);
+  return play(options, *wanted, *credentials, wake);
 }
 
 }  // namespace phone

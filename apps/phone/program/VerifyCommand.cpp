@@ -8,7 +8,6 @@
 #include "phone/program/Files.h"
 #include "phone/program/OutputFile.h"
 #include "phone/program/Peer.h"
-#include "phone/program/Signals.h"
 #include "phone/verify/Report.h"
 
 namespace phone {
@@ -62,10 +61,10 @@ void list(const verify::Checks& checks) {
   for (const verify::Check& check : checks) std::printf("%-28s  %s\n", check.name, check.meaning);
 }
 
-int verifyAgainst(const VerifyOptions& options, const Credentials& credentials,
-                  const verify::Checks& checks) {
+int verifyAgainst(const VerifyOptions& options, const Credentials& credentials, const verify::Checks& checks,
+                  Wake* wake) {
   std::string error;
-  const auto headUnit = headUnitAt(options.peer, wakeOnSignals(), &error);
+  const auto headUnit = headUnitAt(options.peer, wake, &error);
   if (!headUnit) return complain(error);
   const bool coloured = isatty(STDOUT_FILENO) != 0;
   const verify::Run run =
@@ -81,7 +80,7 @@ int verifyAgainst(const VerifyOptions& options, const Credentials& credentials,
 
 }  // namespace
 
-int runVerify(int argc, char** argv) {
+int runVerify(int argc, char** argv, Wake* wake) {
   VerifyOptions options;
   CLI::App app("Checks what a phone can observe of a head unit, one named behaviour after the other.",
                "vantry-phone verify");
@@ -102,7 +101,7 @@ int runVerify(int argc, char** argv) {
   const auto credentials = loadCredentials(options.credentials, &error);
   // The run takes long: that a report cannot be written is told before it.
   if (!credentials || !canWriteAll(reports(options), &error)) return complain(error);
-  return verifyAgainst(options, *credentials, checks);
+  return verifyAgainst(options, *credentials, checks, wake);
 }
 
 }  // namespace phone

@@ -70,15 +70,14 @@ int runWith(const Options& options, Server* server, Screen* screen, Car* car) {
   return status == 0 && !(heard && told) ? WRONG_USAGE : status;
 }
 
-int run(const Options& options) {
-  const FileDescriptor signals = signalsToEndBy();
+int run(const Options& options, int signals) {
   std::string error;
   Car car(options);
   if (!car.equip(&error)) {
     spdlog::error("{}.", error);
     return WRONG_USAGE;
   }
-  Server server(options, car.equipment(), signals.get());
+  Server server(options, car.equipment(), signals);
   if (options.headless) {
     HeadlessScreen screen(car.slot(), car.cluster(), options.margins);
     return runWith(options, &server, &screen, &car);
@@ -98,10 +97,11 @@ int run(const Options& options) {
 }  // namespace headunit
 
 int main(int argc, char** argv) {
+  const headunit::FileDescriptor signals = headunit::signalsToEndBy();
   int exitStatus = 0;
   const std::optional<headunit::Options> options = headunit::parseOptions(argc, argv, &exitStatus);
   if (!options) return exitStatus;
   headunit::setUpLog(options->verbose);
   headunit::quietenFfmpeg();
-  return headunit::reportingFaults([&options] { return headunit::run(*options); });
+  return headunit::reportingFaults([&] { return headunit::run(*options, signals.get()); });
 }

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "headunit/Picture.h"
 #include "headunit/VideoQueue.h"
@@ -24,8 +25,9 @@ class VideoDecoder {
   /// is damaged in part may come out all the same.
   virtual std::string decode(VideoFrame frame, const OnPicture& onPicture) = 0;
 
-  /// The stream is at its end: gives out what was held back, and is ready for another stream.
-  virtual void finish(const OnPicture& onPicture) = 0;
+  /// The stream is at its end: gives out what was held back, and is ready for another stream. Returns what is
+  /// wrong with it, a text for each frame.
+  virtual std::vector<std::string> finish(const OnPicture& onPicture) = 0;
 };
 
 }  // namespace headunit

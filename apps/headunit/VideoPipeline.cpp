@@ -59,7 +59,9 @@ void VideoPipeline::run() {
       forgetFaults();
     }
   }
-  decoder_->finish([this](Picture picture) { show(std::move(picture)); });
+  for (const std::string& fault : decoder_->finish([this](Picture picture) { show(std::move(picture)); })) {
+    count(fault);
+  }
 }
 
 void VideoPipeline::decode(VideoFrame frame) {
@@ -88,10 +90,14 @@ void VideoPipeline::show(Picture picture) {
 // One damaged frame and a lull behind it are no failing stream: nothing says that the next frame is damaged,
 // too. So the time goes on only with the frames.
 void VideoPipeline::remark(const std::string& fault, TimePoint received) {
-  ends_.stats->damaged();
   if (!firstFault_) firstFault_ = received;
   failingFor_ = (received - *firstFault_).count();
+  count(fault);
   ends_.changed();
+}
+
+void VideoPipeline::count(const std::string& fault) {
+  ends_.stats->damaged();
   if (++faults_ > FAULTS_TOLD) return;
   spdlog::warn("The phone's video is damaged: {}{}", fault,
                faults_ == FAULTS_TOLD ? " (further damage is only counted)" : "");

@@ -62,6 +62,7 @@ class VideoPipeline {
   void run();
   void decode(VideoFrame frame);
   void show(Picture picture);
+  void count(const std::string& fault);
   void remark(const std::string& fault, TimePoint received);
   void forgetFaults();
 

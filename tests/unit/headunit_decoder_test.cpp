@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "headunit/media/FfmpegDecoder.h"
+#include "media_files.h"
 #include "phone/media/H264Encoder.h"
 #include "phone/media/TestPicture.h"
 #include "phone/media/VideoSource.h"
@@ -133,13 +135,36 @@ TEST_F(HeadunitDecoder, StartsAnewWithOtherParameters) {
   EXPECT_EQ(counterIn(pictures[0]), 0U) << "the first picture is still whole";
 }
 
+TEST_F(HeadunitDecoder, TellsAtTheEndOfDamageInThePictureThatWasHeldBack) {
+  const test::media::TemporaryFolder folder;
+  test::media::VideoRecipe recipe;
+  recipe.bFrames = 2;
+  recipe.settings = {{"x264-params", "b-adapt=0"}};
+  test::media::writeNumberedVideo(folder / "a.mp4", recipe);
+  std::string error;
+  const auto file = phone::openVideoFile(folder / "a.mp4", {}, &error);
+  ASSERT_TRUE(file) << error;
+  std::vector<phone::AccessUnit> units = test::media::drain(file.get());
+  const auto last = std::max_element(units.begin(), units.end(), [](const auto& one, const auto& other) {
+    return one.timestampUs < other.timestampUs;
+  });
+  last->data.resize(last->data.size() / 2);
+  decoder.configure({file->codecConfig()});
+  for (const phone::AccessUnit& unit : units) EXPECT_EQ(decode(unit.data), "");
+  const std::size_t before = pictures.size();
+  const std::vector<std::string> faults =
+      decoder.finish([this](Picture picture) { pictures.push_back(std::move(picture)); });
+  ASSERT_GT(pictures.size(), before) << "the stream holds no picture back";
+  EXPECT_THAT(faults, testing::ElementsAre("parts of a picture are missing"));
+}
+
 TEST_F(HeadunitDecoder, CanBeFinishedAndUsedAgain) {
   decoder.finish([](Picture) { FAIL() << "nothing has come yet"; });
   decoder.configure({source->codecConfig()});
   phone::AccessUnit unit;
   source->next(&unit);
   decode(unit.data);
-  decoder.finish([](Picture) { FAIL() << "nothing was held back"; });
+  EXPECT_THAT(decoder.finish([](Picture) { FAIL() << "nothing was held back"; }), testing::IsEmpty());
   EXPECT_EQ(pictures.size(), 1U);
 }
 

@@ -22,7 +22,7 @@ class IdleDecoder : public VideoDecoder {
  public:
   void configure(const CodecConfig&) override {}
   std::string decode(VideoFrame, const OnPicture&) override { return {}; }
-  void finish(const OnPicture&) override {}
+  std::vector<std::string> finish(const OnPicture&) override { return {}; }
 };
 
 /// A head unit that waits for phones, on a thread of its own.

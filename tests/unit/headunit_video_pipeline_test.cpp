@@ -22,7 +22,8 @@ constexpr unsigned char THROWS = 255;
 /// there is no memory.
 class SimpleDecoder : public VideoDecoder {
  public:
-  explicit SimpleDecoder(std::vector<std::string>* seen) : seen_(seen) {}
+  SimpleDecoder(std::vector<std::string>* seen, std::vector<std::string> atEnd)
+      : seen_(seen), atEnd_(std::move(atEnd)) {}
   void configure(const CodecConfig& config) override {
     seen_->push_back("config " + std::to_string(config.bytes.size()));
   }
@@ -35,10 +36,14 @@ class SimpleDecoder : public VideoDecoder {
     onPicture(std::move(picture));
     return {};
   }
-  void finish(const OnPicture&) override { seen_->push_back("finish"); }
+  std::vector<std::string> finish(const OnPicture&) override {
+    seen_->push_back("finish");
+    return atEnd_;
+  }
 
  private:
   std::vector<std::string>* const seen_;
+  const std::vector<std::string> atEnd_;
 };
 
 constexpr unsigned char DAMAGED = 0;
@@ -61,6 +66,7 @@ VideoFrame damagedAt(milliseconds time) {
 /// A pipeline whose thread has done its work once `finish` has returned.
 struct HeadunitVideoPipeline : testing::Test {
   std::vector<std::string> seen;
+  std::vector<std::string> faultsAtEnd;
   std::vector<int> acknowledged;
   PictureSlot slot;
   std::shared_ptr<LinkStats> stats = std::make_shared<LinkStats>(Clock::now());
@@ -73,7 +79,7 @@ struct HeadunitVideoPipeline : testing::Test {
         [this] { ++changes; }, &slot, budget, stats};
   }
   std::unique_ptr<VideoPipeline> pipeline(FrameBudget* budget) {
-    return std::make_unique<VideoPipeline>(std::make_unique<SimpleDecoder>(&seen), ends(budget));
+    return std::make_unique<VideoPipeline>(std::make_unique<SimpleDecoder>(&seen, faultsAtEnd), ends(budget));
   }
 };
 
@@ -98,6 +104,15 @@ TEST_F(HeadunitVideoPipeline, AcknowledgesWhatCannotBeDecoded) {
   EXPECT_THAT(acknowledged, ElementsAre(7));
   EXPECT_EQ(stats->totals().damaged, 1U);
   EXPECT_GT(changes, 0);
+}
+
+TEST_F(HeadunitVideoPipeline, CountsWhatIsFoundDamagedAtTheEnd) {
+  faultsAtEnd = {"parts are missing", "parts are missing"};
+  const auto video = pipeline(&endless);
+  video->receive(frameOf(10));
+  video->finish();
+  EXPECT_EQ(stats->totals().damaged, 2U);
+  EXPECT_EQ(video->failingFor(), milliseconds(0));
 }
 
 TEST_F(HeadunitVideoPipeline, FailsForAsLongAsDamagedFramesKeepComing) {
@@ -191,7 +206,7 @@ TEST_F(HeadunitVideoPipeline, DecodesNoMoreOnceAbandoned) {
     begun.set_value();
     go.get_future().wait();
   };
-  VideoPipeline video(std::make_unique<SimpleDecoder>(&seen), limits);
+  VideoPipeline video(std::make_unique<SimpleDecoder>(&seen, faultsAtEnd), limits);
   video.receive(frameOf(1));
   begun.get_future().wait();
   video.configure({{1}});

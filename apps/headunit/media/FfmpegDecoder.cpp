@@ -103,29 +103,35 @@ std::string FfmpegDecoder::decode(VideoFrame frame, const OnPicture& onPicture) 
   if (!wrap(std::move(frame), ticket_, packet_.get())) return "no memory for it";
   const int status = avcodec_send_packet(context_.get(), packet_.get());
   av_packet_unref(packet_.get());
-  const std::string fault = takePictures(onPicture);
-  return status < 0 ? wordsFor(status) : fault;
+  const std::vector<std::string> faults = takePictures(onPicture);
+  if (status < 0) return wordsFor(status);
+  return faults.empty() ? "" : faults.back();
 }
 
-void FfmpegDecoder::finish(const OnPicture& onPicture) {
-  if (!context_) return;
+std::vector<std::string> FfmpegDecoder::finish(const OnPicture& onPicture) {
+  if (!context_) return {};
   avcodec_send_packet(context_.get(), nullptr);
-  takePictures(onPicture);
+  std::vector<std::string> faults = takePictures(onPicture);
   avcodec_flush_buffers(context_.get());
+  return faults;
 }
 
-std::string FfmpegDecoder::takePictures(const OnPicture& onPicture) {
-  std::string fault;
+std::vector<std::string> FfmpegDecoder::takePictures(const OnPicture& onPicture) {
+  std::vector<std::string> faults;
+  const auto endingWith = [&faults](std::string last) {
+    faults.push_back(std::move(last));
+    return std::move(faults);
+  };
   for (;;) {
     Owned<AVFrame> frame(av_frame_alloc());
-    if (!frame) return "no memory for its picture";
+    if (!frame) return endingWith("no memory for its picture");
     const int status = avcodec_receive_frame(context_.get(), frame.get());
-    if (status == AVERROR(EAGAIN) || status == AVERROR_EOF) return fault;
-    if (status < 0) return wordsFor(status);
-    if (frame->decode_error_flags != 0) fault = "parts of a picture are missing";
+    if (status == AVERROR(EAGAIN) || status == AVERROR_EOF) return faults;
+    if (status < 0) return endingWith(wordsFor(status));
+    if (frame->decode_error_flags != 0) faults.emplace_back("parts of a picture are missing");
     const FrameTimes times = times_[static_cast<std::size_t>(frame->pts) % REMEMBERED];
     frame = inPlanes(std::move(frame));
-    if (!frame) return "no memory for its picture";
+    if (!frame) return endingWith("no memory for its picture");
     onPicture(pictureOf(std::move(frame), times));
   }
 }

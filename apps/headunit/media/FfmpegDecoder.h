@@ -22,7 +22,7 @@ class FfmpegDecoder : public VideoDecoder {
 
   void configure(const CodecConfig& config) override;
   std::string decode(VideoFrame frame, const OnPicture& onPicture) override;
-  void finish(const OnPicture& onPicture) override;
+  std::vector<std::string> finish(const OnPicture& onPicture) override;
 
  private:
   struct Free {
@@ -35,7 +35,7 @@ class FfmpegDecoder : public VideoDecoder {
   using Owned = std::unique_ptr<T, Free>;
 
   void open();
-  std::string takePictures(const OnPicture& onPicture);
+  std::vector<std::string> takePictures(const OnPicture& onPicture);
   Picture pictureOf(Owned<AVFrame> frame, const FrameTimes& times);
   Owned<AVFrame> inPlanes(Owned<AVFrame> frame);
 

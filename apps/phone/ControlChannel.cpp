@@ -145,6 +145,8 @@ void PhoneLink::sendVoiceSession(VoiceSessionStatus status) {
 void PhoneLink::sayByeBye(ByeByeReason reason) {
   ByeByeRequest record;
   record.set_reason(reason);
+  // A head unit may leave at the good-bye: what was said before has to stand before it.
+  outbox_.settleAll();
   send(0, MESSAGE_BYE_BYE_REQUEST, record);
   if (!end_) enter(LinkState::leaving);
 }

@@ -13,8 +13,12 @@ void Outbox::add(Frame frame, bool encipher) {
 }
 
 void Outbox::addBytes(const Bytes& bytes) {
-  while (waiting_ > 0) settleNext();
+  settleAll();
   append(&ready_, bytes);
+}
+
+void Outbox::settleAll() {
+  while (waiting_ > 0) settleNext();
 }
 
 Bytes Outbox::take(std::size_t enough) {

@@ -21,6 +21,9 @@ class Outbox {
   /// Bytes that need be no frame; they leave behind all that was added before.
   void addBytes(const Bytes& bytes);
 
+  /// What is added later leaves behind all that was added before, whatever the channels.
+  void settleAll();
+
   bool empty() const { return ready_.empty() && waiting_ == 0; }
   /// Bytes that wait, give or take what headers and enciphering add to frames whose turn has not come.
   std::size_t size() const { return ready_.size() + waitingBytes_; }

@@ -52,6 +52,17 @@ TEST(PhoneOutbox, AnInterleavingOneStopsAtEnoughSoThatALaterFrameComesEarly) {
   EXPECT_FALSE(outbox.empty());
 }
 
+TEST(PhoneOutbox, WhatIsSettledStandsBeforeALaterFrameOfAnyChannel) {
+  Outbox outbox(true, nullptr);
+  outbox.add(small(7, 1), true);
+  outbox.add(small(7, 2), true);
+  outbox.settleAll();
+  outbox.add(small(0, 3), true);
+  EXPECT_EQ(Bytes(outbox.take(SIZE_MAX)), bytes("07 03 00 01 01"
+                                                "07 03 00 01 02"
+                                                "00 03 00 01 03"));
+}
+
 TEST(PhoneOutbox, TellsHowMuchWaits) {
   Outbox outbox(true, nullptr);
   EXPECT_EQ(outbox.size(), 0u);

@@ -38,8 +38,15 @@ ServiceDiscoveryResponse carWithScreen() {
   return services;
 }
 
+// As the program's.
+phone::LinkOptions interleaving() {
+  phone::LinkOptions options = linkOptions();
+  options.interleaves = true;
+  return options;
+}
+
 struct PhoneSessionTest : testing::Test {
-  phone::PhoneLink link{linkOptions()};
+  phone::PhoneLink link{interleaving()};
   HandMadeHeadUnit headUnit{&link};
   phone::Timers timers;
   phone::SessionOptions options;

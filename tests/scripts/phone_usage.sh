@@ -59,6 +59,11 @@ refuses '"foo" is not HOST:PORT' --connect foo
 refuses 'names no port' --connect 127.0.0.1:0
 refuses '"640x480" is not 800x480, 1280x720 or 1920x1080' --connect $nobody --size 640x480
 refuses '"30.5" is no whole number from 1 to 120' --connect $nobody --fps 30.5
+refuses 'not expected: --bogus' --bogus
+refuses 'not expected: --bogus' verify --bogus
+refuses 'not expected: --bogus' --bogus --scenario radio
+refuses '--connect' --fast
+refuses '"29.97" is no whole number from 1 to 120' --connect $nobody --fps 29.97
 refuses '"-1" is no number of frames' --connect $nobody --frames -1
 refuses '"loud" is none of media, guidance, system, telephony and none' --connect $nobody --sounds loud
 refuses 'none stands alone' --connect $nobody --sounds none,media

@@ -8,6 +8,7 @@
 
 #include "phone/program/Files.h"
 #include "phone/program/Peer.h"
+#include "phone/program/Usage.h"
 
 namespace phone {
 
@@ -133,7 +134,7 @@ std::optional<Options> readOptions(int argc, char** argv, int* status) {
     refuseOneFileForTwo(options.outputs(), {{"--video", options.video}, {"--audio", options.audio}},
                         options.credentials);
   } catch (const CLI::ParseError& error) {
-    *status = app.exit(error) == 0 ? 0 : 1;
+    *status = tellUsage(app, error);
     return std::nullopt;
   }
   options.listens = texts.peer.connect.empty();

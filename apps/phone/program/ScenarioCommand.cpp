@@ -6,6 +6,7 @@
 #include "common/InputFile.h"
 #include "phone/program/Files.h"
 #include "phone/program/Peer.h"
+#include "phone/program/Usage.h"
 #include "phone/scenario/Scenario.h"
 
 namespace phone {
@@ -99,7 +100,7 @@ int runScenario(int argc, char** argv, Wake* wake) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? exitKept : exitUsage;
+    return tellUsage(app, error);
   }
   if (options.list) return list();
   if (options.scenario.empty()) {

@@ -8,6 +8,7 @@
 #include "phone/program/Files.h"
 #include "phone/program/OutputFile.h"
 #include "phone/program/Peer.h"
+#include "phone/program/Usage.h"
 #include "phone/verify/Report.h"
 
 namespace phone {
@@ -89,7 +90,7 @@ int runVerify(int argc, char** argv, Wake* wake) {
     app.parse(argc, argv);
     refuseOneFileForTwo(reports(options), {}, options.credentials);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? exitPassed : exitUsage;
+    return tellUsage(app, error);
   }
   const verify::Checks checks = choose(verify::allChecks(), options.only);
   for (const std::string& prefix : options.only) {

@@ -2,8 +2,6 @@
 #include <spdlog/sinks/stdout_color_sinks.h>
 #include <spdlog/spdlog.h>
 
-#include <cerrno>
-#include <cstring>
 #include <exception>
 
 #include "phone/PhoneSession.h"
@@ -107,9 +105,8 @@ bool readMusic(const Options& options, std::vector<Song>* songs, std::string* er
 
 bool openOutput(const Options& options, CarJournal* journal, std::string* error) {
   if (!canWriteAll(options.outputs(), error)) return false;
-  if (!options.record.empty() && !journal->recordTo(options.record)) {
-    *error =
-        "cannot write " + options.record + ": " + std::strerror(errno) + "; name another file with --record";
+  if (!options.record.empty() && !journal->recordTo(options.record, error)) {
+    *error += "; name another file with --record";
     return false;
   }
   return prepareMicrophoneFile(options, error);

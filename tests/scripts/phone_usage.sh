@@ -52,6 +52,9 @@ refuses 'cannot write folder: Is a directory; name another file with --record' \
   --connect $nobody --stats kept --record folder
 refuses 'cannot write folder: Is a directory; name another file with --microphone' \
   --connect $nobody --stats kept --microphone folder
+mkfifo pipe
+refuses 'cannot write pipe: nobody is there to read it; name another file with --record' \
+  --connect $nobody --stats kept --record pipe
 [[ ! -e new ]] || fail "a file was made"
 
 # Values that are none.

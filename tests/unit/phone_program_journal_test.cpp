@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 
@@ -25,7 +28,8 @@ TEST(PhoneProgramJournal, WritesALineAsSoonAsItWasHeard) {
   const media::TemporaryFolder folder;
   const phone::Timers timers;
   phone::CarJournal journal;
-  ASSERT_TRUE(journal.recordTo(folder / "car.jsonl"));
+  std::string error;
+  ASSERT_TRUE(journal.recordTo(folder / "car.jsonl", &error)) << error;
   journal.start(&timers);
   journal.onInputReport(keyPress());
   std::ifstream file(folder / "car.jsonl");
@@ -38,11 +42,31 @@ TEST(PhoneProgramJournal, WritesALineAsSoonAsItWasHeard) {
 TEST(PhoneProgramJournal, IsNotWholeOnceTheDiskWasFull) {
   const phone::Timers timers;
   phone::CarJournal journal;
-  ASSERT_TRUE(journal.recordTo("/dev/full"));
+  std::string error;
+  ASSERT_TRUE(journal.recordTo("/dev/full", &error)) << error;
   journal.start(&timers);
   EXPECT_TRUE(journal.isWhole());
   journal.onInputReport(keyPress());
   EXPECT_FALSE(journal.isWhole());
+}
+
+TEST(PhoneProgramJournal, WaitsForNobodyWhoMightComeToReadAPipe) {
+  const media::TemporaryFolder folder;
+  const std::string pipe = folder / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const phone::Timers timers;
+  phone::CarJournal journal;
+  std::string error;
+  EXPECT_FALSE(journal.recordTo(pipe, &error));
+  EXPECT_EQ(error, "cannot write " + pipe + ": nobody is there to read it");
+  const phone::Socket reader(open(pipe.c_str(), O_RDONLY | O_NONBLOCK));
+  ASSERT_TRUE(journal.recordTo(pipe, &error)) << error;
+  journal.start(&timers);
+  journal.onInputReport(keyPress());
+  std::string line(4096, ' ');
+  const ssize_t count = read(reader.descriptor(), line.data(), line.size());
+  ASSERT_GT(count, 0);
+  EXPECT_EQ(line[static_cast<std::size_t>(count) - 1], '\n');
 }
 
 }  // namespace

@@ -5,11 +5,12 @@
 #include <utility>
 
 #include "phone/RecordJson.h"
+#include "phone/program/OutputFile.h"
 
 namespace phone {
 
-bool CarJournal::recordTo(const std::string& path) {
-  file_.open(path);
+bool CarJournal::recordTo(const std::string& path, std::string* error) {
+  file_ = openToWrite(path, error);
   return static_cast<bool>(file_);
 }
 
@@ -36,13 +37,13 @@ void CarJournal::onInputReport(const InputReport& report) {
 }
 
 void CarJournal::record(const char* message, nlohmann::ordered_json fields) {
-  if (!file_.is_open()) return;
+  if (!file_ || !isWhole_) return;
   nlohmann::ordered_json line;
   line["time_ms"] = static_cast<double>(timers_->now() - started_) / 1000.0;
   line["message"] = message;
   line.update(fields);
   // Whole lines at once: the file can be followed while it grows, and a full disk shows at the line it met.
-  file_ << line.dump() << std::endl;
+  isWhole_ = writeAll(file_, line.dump() + "\n");
 }
 
 }  // namespace phone

@@ -1,12 +1,12 @@
 #ifndef PHONE_PROGRAM_CARJOURNAL_H
 #define PHONE_PROGRAM_CARJOURNAL_H
 
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 
 #include "phone/CarListener.h"
+#include "phone/Socket.h"
 #include "phone/Timers.h"
 
 namespace phone {
@@ -15,10 +15,11 @@ namespace phone {
 /// start, the kind of message and its fields by name. A line is in the file as soon as it was heard.
 class CarJournal : public CarListener {
  public:
-  /// Creates or replaces the file. False if that is impossible.
-  bool recordTo(const std::string& path);
+  /// Creates or replaces the file, or begins to write into the pipe, if somebody reads it: nobody is waited
+  /// for. Otherwise false, and `error` tells why.
+  bool recordTo(const std::string& path, std::string* error);
   /// False once a line could not be written.
-  bool isWhole() const { return !file_.is_open() || static_cast<bool>(file_); }
+  bool isWhole() const { return isWhole_; }
 
   /// Counts time by `timers`, which are there as long as something is heard, from now on.
   void start(const Timers* timers);
@@ -31,7 +32,8 @@ class CarJournal : public CarListener {
 
   const Timers* timers_ = nullptr;
   Micros started_ = 0;
-  std::ofstream file_;
+  Socket file_;
+  bool isWhole_ = true;
   std::set<std::string> told_;  ///< Sensors of which the user has seen a value.
 };
 

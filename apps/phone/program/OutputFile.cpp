@@ -45,19 +45,16 @@ bool mayWrite(const std::string& path) {
 }
 
 // Nobody is waited for who might come to read a pipe.
-bool writeInto(const fs::path& path, std::string_view text) {
+Socket openFile(const std::string& path) {
   constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-  const Socket file(::open(path.c_str(), flags, 0666));
-  if (!file || ::fcntl(file.descriptor(), F_SETFL, 0) != 0) return false;
-  while (!text.empty()) {
-    const ssize_t count = ::write(file.descriptor(), text.data(), text.size());
-    if (count > 0) {
-      text.remove_prefix(static_cast<std::size_t>(count));
-    } else if (count == 0 || errno != EINTR) {
-      return false;
-    }
-  }
-  return true;
+  Socket file(::open(path.c_str(), flags, 0666));
+  if (file && ::fcntl(file.descriptor(), F_SETFL, 0) != 0) file.close();
+  return file;
+}
+
+bool writeInto(const fs::path& path, std::string_view text) {
+  const Socket file = openFile(path);
+  return file && writeAll(file, text);
 }
 
 // `before` is what stands there already, if anything does.
@@ -85,6 +82,24 @@ bool told(bool succeeds, const std::string& path, std::string* error) {
 }
 
 }  // namespace
+
+Socket openToWrite(const std::string& path, std::string* error) {
+  Socket file = openFile(path);
+  told(static_cast<bool>(file), path, error);
+  return file;
+}
+
+bool writeAll(const Socket& file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = ::write(file.descriptor(), text.data(), text.size());
+    if (count > 0) {
+      text.remove_prefix(static_cast<std::size_t>(count));
+    } else if (count == 0 || errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
+}
 
 bool canWriteFile(const std::string& path, std::string* error) { return told(mayWrite(path), path, error); }
 

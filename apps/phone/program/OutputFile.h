@@ -2,6 +2,9 @@
 #define PHONE_PROGRAM_OUTPUTFILE_H
 
 #include <string>
+#include <string_view>
+
+#include "phone/Socket.h"
 
 namespace phone {
 
@@ -13,6 +16,12 @@ bool canWriteFile(const std::string& path, std::string* error);
 /// folder allows that; links stay and lead to it. A pipe or a device stays what it is, and the text goes into
 /// it. On failure `error` tells why.
 bool writeFile(const std::string& path, const std::string& text, std::string* error);
+
+/// Creates or empties a file to write to bit by bit. Nobody is waited for who might come to read a pipe. On
+/// failure it is invalid, and `error` tells why.
+Socket openToWrite(const std::string& path, std::string* error);
+/// Writes all of `text`; false, with the reason in errno, if that is impossible.
+bool writeAll(const Socket& file, std::string_view text);
 
 }  // namespace phone
 

@@ -65,7 +65,7 @@ struct LinkOptions {
   /// False: frames leave in the order of the calls. True: channels with frames waiting take turns, a frame
   /// each, so that a long message of one does not hold up the others.
   bool interleaves = false;
-  bool records = true;  ///< Keep all that is received, for received() and receivedFrames().
+  bool records = true;  ///< Keep all that is received, for received() and receivedFrames(); violations too.
 };
 
 /// Gets what happens on one channel. A channel's handler must outlive the link or detach first.

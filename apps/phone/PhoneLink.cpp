@@ -202,7 +202,7 @@ void PhoneLink::finish(LinkEnd end) {
 }
 
 void PhoneLink::violation(const std::string& what) {
-  violations_.push_back(what);
+  if (options_.records) violations_.push_back(what);
   for (LinkObserver* observer : observers_) observer->onViolation(what);
 }
 

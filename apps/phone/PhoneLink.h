@@ -123,7 +123,7 @@ class PhoneLink {
   std::vector<Message> received(std::uint8_t channel, std::uint16_t type) const;
   /// All frames of the link, oldest first (with LinkOptions::records).
   const std::vector<FrameRecord>& receivedFrames() const { return receivedFrames_; }
-  /// The rules that the head unit broke without ending the link, in words.
+  /// The rules that the head unit broke without ending the link, in words (with LinkOptions::records).
   const std::vector<std::string>& violations() const { return violations_; }
 
  private:

@@ -69,6 +69,8 @@ void PhoneSession::onState(LinkState state) {
 
 void PhoneSession::onMessage(const Message&) { lastHeard_ = timers_->now(); }
 
+void PhoneSession::onViolation(const std::string&) { ++violations_; }
+
 void PhoneSession::playVideo() {
   const Service* sink = findVideoSink(*link_->services());
   if (sink == nullptr) {

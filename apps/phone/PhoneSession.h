@@ -51,8 +51,12 @@ class PhoneSession : public LinkObserver {
   /// Called at each of them.
   void onTrouble(std::function<void(const std::string& what)> call) { trouble_ = std::move(call); }
 
+  /// How often the head unit broke a rule without ending the link.
+  std::uint64_t violations() const { return violations_; }
+
   void onState(LinkState state) override;
   void onMessage(const Message& message) override;
+  void onViolation(const std::string& what) override;
 
  private:
   void playVideo();
@@ -77,6 +81,7 @@ class PhoneSession : public LinkObserver {
   std::optional<LinkEnd> problem_;
   std::optional<Timers::Id> limit_;
   std::optional<Timers::Id> watch_;
+  std::uint64_t violations_ = 0;
   Micros handshakeBegan_ = 0;
   Micros lastHeard_ = 0;
   Micros pictureTime_ = 0;

@@ -38,6 +38,16 @@ TEST(PhoneProgramStats, HaveTheSameNamesWithAndWithoutALink) {
   EXPECT_EQ(with.at("touches"), without.at("touches"));
   EXPECT_EQ(with.at("audio"), without.at("audio"));
   EXPECT_EQ(with.at("troubles"), without.at("troubles"));
+  EXPECT_EQ(with.at("violations"), without.at("violations"));
+}
+
+TEST(PhoneProgramStats, CountTheRulesThatTheHeadUnitBroke) {
+  phone::PhoneLink link{phone::LinkOptions()};
+  phone::Timers timers;
+  phone::PhoneSession session(&link, &timers, {}, nullptr);
+  session.onViolation("a message that does not parse");
+  session.onViolation("another");
+  EXPECT_EQ(json::parse(phone::statsJson(&session, {}, 0)).at("violations"), 2);
 }
 
 }  // namespace

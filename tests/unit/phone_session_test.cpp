@@ -130,6 +130,14 @@ TEST_F(PhoneSessionTest, PlaysInTheFirstAllowedSizeWhereTheWantedOneIsNot) {
   EXPECT_TRUE(made == (PictureSize{1280, 720}));
 }
 
+TEST_F(PhoneSessionTest, CountsTheRulesThatAreBroken) {
+  play();
+  EXPECT_EQ(session().violations(), 0U);
+  for (int i = 0; i < 3; ++i) headUnit.sends(0, bytes("00"));
+  EXPECT_EQ(session().violations(), 3U);
+  EXPECT_FALSE(link.end());
+}
+
 TEST_F(PhoneSessionTest, MeasuresTheHandshake) {
   EXPECT_EQ(session().handshakeTime(), std::nullopt);
   bringUp();

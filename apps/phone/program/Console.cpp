@@ -3,6 +3,7 @@
 #include <spdlog/spdlog.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace phone {
@@ -10,6 +11,7 @@ namespace phone {
 namespace {
 
 constexpr Micros drawInterval = 250'000;
+constexpr int mostWarnings = 5;  // of a kind: a head unit that errs in one message errs in each
 
 }  // namespace
 
@@ -66,8 +68,7 @@ void Console::tellServices() const {
 
 void Console::onMessage(const Message& message) {
   if (message.type() == MESSAGE_UNEXPECTED_MESSAGE) {
-    clear();
-    spdlog::warn("head unit: did not expect a message on channel {}", message.channel);
+    warn(&unexpected_, "head unit: did not expect a message on channel " + std::to_string(message.channel));
   } else if (spdlog::should_log(spdlog::level::debug)) {
     clear();
     spdlog::debug("channel {}: received type {:#06x}, {} bytes", message.channel, message.type(),
@@ -75,9 +76,13 @@ void Console::onMessage(const Message& message) {
   }
 }
 
-void Console::onViolation(const std::string& what) {
+void Console::onViolation(const std::string& what) { warn(&violations_, "head unit broke a rule: " + what); }
+
+void Console::warn(int* times, const std::string& what) {
+  *times = std::min(*times + 1, mostWarnings + 1);
+  if (*times > mostWarnings && !spdlog::should_log(spdlog::level::debug)) return;
   clear();
-  spdlog::warn("head unit broke a rule: {}", what);
+  spdlog::warn("{}{}", what, *times == mostWarnings ? " (further ones are told only with --verbose)" : "");
 }
 
 }  // namespace phone

@@ -21,12 +21,15 @@ class Console : public LinkObserver {
  private:
   void draw();
   void clear();
+  void warn(int* times, const std::string& what);
   void tellServices() const;
 
   PhoneLink* link_;
   Timers* timers_;
   const PhoneSession* session_ = nullptr;
   bool drawn_ = false;
+  int violations_ = 0;
+  int unexpected_ = 0;
 };
 
 }  // namespace phone

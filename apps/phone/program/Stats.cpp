@@ -102,6 +102,7 @@ std::string statsJson(const PhoneSession* session, const LinkEnd& end, int exitS
   figures["input"] = orNull(car != nullptr ? car->input() : nullptr, inputFigures);
   figures["touches"] = touchFigures(car != nullptr ? car->touches().stats() : TouchStats());
   figures["troubles"] = session != nullptr ? session->troubles().size() : 0;
+  figures["violations"] = session != nullptr ? session->violations() : 0;
   figures["end"] = {{"clean", end.clean}, {"words", end.words()}, {"exit_status", exitStatus}};
   // Texts of the peer's making may hold anything; they must not make the file unwritable.
   return figures.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -4,12 +4,11 @@
 
 namespace test {
 
-SecureLink::SecureLink(const Identity& identity, const std::string& root) {
+SecureLink::SecureLink(const Identity& identity, const std::string& root, const phone::TlsOptions& options) {
   const TestCredentials& known = credentials();
   EXPECT_TRUE(controller().setClientCreds(root, known.headUnit.certificate, known.headUnit.key));
   std::string error;
-  phone_ =
-      phone::TlsServer::create({known.root, identity.certificate, identity.key}, phone::TlsOptions(), &error);
+  phone_ = phone::TlsServer::create({known.root, identity.certificate, identity.key}, options, &error);
   if (phone_ == nullptr) throw std::invalid_argument(error);
 }
 

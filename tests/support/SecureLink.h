@@ -14,7 +14,8 @@ class SecureLink : public PlainLink {
  public:
   /// The head unit gets its credentials, trusting `root`; the phone shows `identity`.
   explicit SecureLink(const Identity& identity = credentials().phone,
-                      const std::string& root = credentials().root);
+                      const std::string& root = credentials().root,
+                      const phone::TlsOptions& options = phone::TlsOptions());
 
   /// Version exchange: afterwards the head unit's first handshake message waits to be sent.
   void acceptsVersion();

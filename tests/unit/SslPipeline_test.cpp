@@ -406,6 +406,31 @@ TEST_F(FrameEncryptionTest, AMessageMayLeaveBeforeItsSenderHasReturned) {
   EXPECT_EQ(link.decrypted(parseFrame(wire).payload), message);
 }
 
+/// The cipher suites that differ in what they add to a message.
+struct CipherTest : testing::TestWithParam<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(, CipherTest,
+                         testing::Values("ECDHE-ECDSA-AES256-GCM-SHA384", "ECDHE-ECDSA-CHACHA20-POLY1305",
+                                         "ECDHE-ECDSA-AES128-SHA", "ECDHE-ECDSA-AES128-SHA256",
+                                         "ECDHE-ECDSA-AES256-SHA384"));
+
+TEST_P(CipherTest, MessagesOfAllSizesPassBothWays) {
+  phone::TlsOptions options;
+  options.ciphers = GetParam();
+  SecureLink link(credentials().phone, credentials().root, options);
+  link.bringUp();
+  ASSERT_EQ(link.phone().cipher(), GetParam());
+  IoBuffer out;
+  for (const std::size_t size : {2UL, 2048UL, 2049UL, 2063UL, 5000UL, FRAGMENT - 1, FRAGMENT}) {
+    Bytes message = pattern(size);
+    link.router()->queueOutgoing(0, message.data(), static_cast<unsigned int>(size));
+    ASSERT_TRUE(link.channels().extractEncodedFrame(&out));
+    EXPECT_EQ(link.decrypted(parseFrame(Bytes(out.content(), out.size())).payload), message) << size;
+  }
+  EXPECT_CALL(link.host(), pingResponse(300));
+  EXPECT_EQ(link.sendsEncrypted(0, bytes("00 0C 08 AC 02")), STATUS_SUCCESS);
+}
+
 TEST_F(FrameEncryptionTest, AFrameGoesOutBehindOlderCiphertextThatWaited) {
   Bytes older = pattern(5000);
   wrapper.encryptionPipelineEnqueue(older.data(), 5000);

@@ -35,11 +35,11 @@ enum SslWrapperState : int {
 /// shutdown after both have ended. A new handshake needs a new wrapper. What the wrapper holds is freed by
 /// shutdown and by nothing else.
 ///
-/// The two pipelines share one SSL and touch different halves of it, but for what OpenSSL notes of the last
-/// call: whether it wants more bytes. Only a failure is judged by that, so while the writer enciphers, the
-/// reason told for a failed read may be the wrong one. And a damaged record OpenSSL would answer by an alert,
-/// which it enciphers on the reader thread, possibly while the writer enciphers: what the head unit sends
-/// from then on may be damaged too. A damaged record ends the link in any case, and the alert is not sent.
+/// The two pipelines share one SSL, and what OpenSSL notes of the last call: while the writer enciphers, the
+/// reason told for a failed read may be the wrong one. A damaged record ends the link; OpenSSL enciphers an
+/// alert for it on the reader thread, which is not sent, but possibly amid what the writer enciphers. That
+/// may damage what is sent from then on; with ChaCha20-Poly1305, if a phone chooses it, it can end the
+/// process, for that cipher wipes the state that the writer is using.
 class VANTRY_EXPORT SslWrapper {
  public:
   SslWrapper() = default;

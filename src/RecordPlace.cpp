@@ -16,7 +16,7 @@ const BIO_METHOD* RecordPlace::memoryBio() {
   static const BIO_METHOD* const method = [] {
     const BIO_METHOD* const memory = BIO_s_mem();
     BIO_METHOD* const own = BIO_meth_new(BIO_TYPE_MEM, "memory buffer");
-    if (own == nullptr) return memory;
+    if (own == nullptr) return static_cast<const BIO_METHOD*>(nullptr);
     writeToMemory = BIO_meth_get_write(memory);
     BIO_meth_set_write(own, write);
     BIO_meth_set_read(own, BIO_meth_get_read(memory));

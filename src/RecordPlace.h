@@ -14,13 +14,16 @@ class RecordPlace {
   RecordPlace(const RecordPlace&) = delete;
   RecordPlace& operator=(const RecordPlace&) = delete;
 
-  /// OpenSSL's memory BIO, but for the writing.
+  /// OpenSSL's memory BIO, but for the writing. Null if there is no memory.
   static const BIO_METHOD* memoryBio();
 
   /// From now to `close`, what this thread writes to `memory` is kept: one record of application data at
   /// `where`, if it fits into `room` bytes and nothing older waits, all else in `memory`.
   void open(BIO* memory, void* where = nullptr, unsigned int room = 0);
   void close();
+
+  /// Whatever lies at the place is nobody's.
+  void forget() { filled_ = 0; }
 
   /// How many bytes lie at the place. They are older than what waits in the BIO.
   unsigned int filled() const { return filled_; }

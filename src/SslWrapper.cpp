@@ -80,8 +80,11 @@ int SslWrapper::handshake(void* data, unsigned int length, IoBuffer* out) {
   if (data != nullptr)
     BIO_write(readBio, data, static_cast<int>(std::min(length, roomForHandshake(readBio))));
   place->open(writeBio);
-  const int result = SSL_do_handshake(ssl);
+  int result = SSL_do_handshake(ssl);
   place->close();
+  // What stands in one record with its last message would begin another handshake as soon as something is
+  // read.
+  if (result == 1 && SSL_has_pending(ssl) == 1) result = 0;
   const int error = SSL_get_error(ssl, result);
   print_critical_i("[LHU] ssl state=%s, ret: %d, err: %d", SSL_state_string_long(ssl), result, error);
   ERR_remove_thread_state(nullptr);
@@ -133,10 +136,12 @@ int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length) {
 
 int SslWrapper::encryptionPipelineEnqueue(void* data, unsigned int length, void* where, unsigned int room) {
   // What the host left in OpenSSL's error queue does no harm here: nothing asks for the reason of a failure.
-  if (place != nullptr) place->open(writeBio, where, room);
+  // Of more than one record the first would be laid over the plaintext of the next.
+  if (place != nullptr) place->open(writeBio, where, length <= SSL3_RT_MAX_PLAIN_LENGTH ? room : 0);
   const int count = BIO_write(sslBio, data, static_cast<int>(length));
   if (place != nullptr) place->close();
   if (count < 1) {
+    if (place != nullptr) place->forget();
     print_critical_i("[LHU] Failed to write data to mSsl!");
     return count;
   }

@@ -57,6 +57,7 @@ FailingCall::FailingCall(const char* name, int which) {
                                                 "SSL_new",
                                                 "SSL_check_private_key",
                                                 "SSL_do_handshake",
+                                                "SSL_has_pending",
                                                 "SSL_CTX_set_options",
                                                 "BIO_new",
                                                 "BIO_read",
@@ -223,6 +224,11 @@ int __real_SSL_do_handshake(SSL*);
 int __wrap_SSL_do_handshake(SSL* ssl) {
   const int result = __real_SSL_do_handshake(ssl);
   return test::failsNow("SSL_do_handshake") ? 0 : result;
+}
+
+int __real_SSL_has_pending(const SSL*);
+int __wrap_SSL_has_pending(const SSL* ssl) {
+  return test::failsNow("SSL_has_pending") ? 1 : __real_SSL_has_pending(ssl);
 }
 
 void __real_CONF_modules_unload(int);

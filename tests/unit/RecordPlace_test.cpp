@@ -121,6 +121,14 @@ TEST_F(RecordPlaceTest, APlaceThatIsFullStaysUntilItIsEmptied) {
   EXPECT_THAT(later, Each(0xDD)) << "what was told when it was full is no place";
 }
 
+TEST_F(RecordPlaceTest, WhatIsForgottenIsNotTaken) {
+  place.open(memory, wanted.data(), 8);
+  writes(record);
+  place.forget();
+  EXPECT_EQ(place.filled(), 0);
+  EXPECT_EQ(place.take(wanted.data(), 6), 0);
+}
+
 TEST_F(RecordPlaceTest, ARecordIsTakenInPiecesToElsewhere) {
   place.open(memory, wanted.data(), 8);
   writes(record);

@@ -145,6 +145,16 @@ TEST_F(SslPipelineTest, WhatIsWrittenBehindALaidRecordIsKeptBehindIt) {
   EXPECT_EQ(link.decrypted(records), bytes("01 02 03 01 02 03"));
 }
 
+TEST_F(SslPipelineTest, OfSeveralRecordsNoneIsLaidOverThePlaintextOfTheNext) {
+  const Bytes plain = pattern(20000);
+  Bytes place = plain + filled(1000, 0xCC);
+  const int count = wrapper.encryptionPipelineEnqueue(place.data(), 20000, place.data() + 4, 20000);
+  EXPECT_EQ(wrapper.encryptionPipelinePlaced(), 0);
+  Bytes records = filled(static_cast<std::size_t>(count), 0);
+  EXPECT_EQ(wrapper.encryptionPipelineDequeue(records.data(), static_cast<unsigned int>(count)), count);
+  EXPECT_EQ(link.decrypted(records), plain);
+}
+
 TEST_F(SslPipelineTest, APlaceIsForgottenWhenEncipheringFails) {
   auto place = std::make_unique<Bytes>(filled(1000, 0xCC));
   EXPECT_LT(wrapper.encryptionPipelineEnqueue(place->data(), 0, place->data(), 1000), 1);
@@ -451,6 +461,17 @@ TEST_F(FrameEncryptionTest, RecordsStandInTheOrderOfTheFramesOnTheWire) {
   std::vector<Bytes> plain;
   for (const Bytes& wire : link.sentFrames()) plain.push_back(link.decrypted(parseFrame(wire).payload));
   EXPECT_THAT(plain, ElementsAre(second, first)) << "channel 0 was served last before";
+}
+
+TEST_F(FrameEncryptionTest, AHandshakeWithMoreInTheRecordOfItsLastMessageFails) {
+  SecureLink late;
+  late.acceptsVersion();
+  late.sendsHandshake(late.nextFlight());
+  const Bytes last = late.nextFlight();
+  const FailingCall more("SSL_has_pending");
+  late.sendsHandshake(last);
+  EXPECT_EQ(more.calls(), 1);
+  EXPECT_EQ(late.controller().sslWrapper().currentState(), SSL_WRAPPER_FAILED);
 }
 
 TEST_F(FrameEncryptionTest, AFrameQueuedBeforeTheHandshakeEndedIsEncryptedWhenItLeaves) {

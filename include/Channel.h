@@ -34,7 +34,7 @@ class VANTRY_EXPORT Channel {
 
   /// Any thread, while the channel is registered: whether a frame waits to be sent.
   bool hasOutgoing();
-  /// Any thread: appends a frame, which is not changed from now on.
+  /// Any thread: appends a frame, which is not changed from now on; the second takes the reference over.
   void enqueueOutgoing(const shared_ptr<Frame>& frame);
   void enqueueOutgoing(shared_ptr<Frame>&& frame);
   /// Writer thread: removes and returns the oldest frame; an empty pointer if there is none.

@@ -31,5 +31,5 @@ class VANTRY_EXPORT Frame {
   unsigned int totalLength = 0;      ///< plain size of the whole message in a FRAME_FIRST frame, otherwise 0
   unsigned char* payload = nullptr;  ///< first payload byte, inside `buffer`
   shared_ptr<IoBuffer> buffer;       ///< the storage that `payload` points into
-  unsigned int room = 0;  ///< bytes allocated behind the capacity of a `buffer` that is this frame's alone
+  unsigned int room = 0;             ///< bytes behind the capacity of a `buffer` that is this frame's alone
 };

@@ -63,9 +63,9 @@ class VANTRY_EXPORT SslWrapper {
 
   /// Feeds the phone's handshake bytes (`data` null to begin) and takes a step. Of more than 1 MiB, many
   /// times what OpenSSL accepts in one flight, only the first 1 MiB is looked at; and no more is kept of what
-  /// comes when the handshake has ended. Returns 1 when the
-  /// handshake is done; a negative number with a whole MESSAGE_SSL_HANDSHAKE in `out` when that is to be
-  /// sent; anything else is a failure, as without a successful `init`.
+  /// comes when the handshake has ended. Returns 1 when the handshake is done; a negative number with a whole
+  /// MESSAGE_SSL_HANDSHAKE in `out` when that is to be sent; anything else is a failure, as without a
+  /// successful `init`, or when more than the phone's last message stands in the record of that message.
   int handshake(void* data, unsigned int length, IoBuffer* out);
 
   /// After the handshake: whether the phone's certificate chain leads to the root. No name is compared.
@@ -74,12 +74,12 @@ class VANTRY_EXPORT SslWrapper {
   /// Enciphers `length` bytes. Returns the number of ciphertext bytes to fetch, or below 1 on failure.
   int encryptionPipelineEnqueue(void* data, unsigned int length);
 
-  /// The same, but has the record laid at `where`, which has `room` bytes, to be fetched from there to there
-  /// without a copy. The plaintext may lie there too. `where` must stay until the record is fetched, unless
-  /// this fails. What does not fit, or stands behind older ciphertext, is kept in the wrapper as ever.
+  /// The same, but has the record laid at `where`, which is the caller's and has `room` bytes. To fetch it
+  /// from there to there moves no byte. The plaintext may lie there too. `where` must stay until then, unless
+  /// this fails. What does not fit, is several records, or stands behind older ciphertext is kept as ever.
   int encryptionPipelineEnqueue(void* data, unsigned int length, void* where, unsigned int room);
 
-  /// How many of the ciphertext bytes to fetch lie at the latest `where`: they come first.
+  /// How many of the ciphertext bytes to fetch lie at the latest `where`: they come first. Never fails.
   unsigned int encryptionPipelinePlaced() const;
 
   /// How much longer than its plaintext the record of a fragment can get, whatever the cipher.
